@@ -1,0 +1,258 @@
+// The driver: start-up, the turn loop, and every way out of the program.
+#include <optional>
+
+#include "gamestate.h"
+#include "prompts.h"
+
+namespace quorble {
+namespace {
+
+const YesNoPlace kScorePlace{1, " yes ", " no ", true, false, false};
+const YesNoPlace kLeavingPlace{2, " Yes ", " No ", true, false, false};
+const char* const kThanks = " thank you for playing Kwor-bul, By Tavi Orlund ";
+
+}  // namespace
+
+void Form1::Form_Load() {
+  try {
+    tail(run());
+  } catch (const WindowClosed&) {
+    closeTail();
+  }
+}
+
+Exit Form1::run() {
+  if (!startUp()) return Exit::NoVoices;
+  Exit way = turnLoop();
+  return way == Exit::GameOver ? gameOver() : way;
+}
+
+bool Form1::startUp() {
+  plat.Show(" Quorble  By Tavi Orlund ");
+  fq = 11026;
+  dx8 = plat.NewDirectX8();
+  ds8 = dx8->DirectSoundCreate();
+  ds8->SetCooperativeLevel(DSSCL_PRIORITY);
+  sbdesc = DSBCAPS_CTRLFREQUENCY | DSBCAPS_CTRLPAN | DSBCAPS_CTRLVOLUME;
+  openFiller();
+  sbuf->SetFrequency(fq);
+  sbuf->Play(DSBPLAY_LOOPING);
+  Voice = plat.NewSpVoice();
+  nov = Voice->VoiceCount();
+  if (nov == 0) {
+    plat.MessageBox("Sorry but I couldn't find any voices to use\rPlease contact Tavi Orlund");
+    return false;
+  }
+  nov = nov - 1;
+  getdp();
+  cotext();
+  nv = 0;
+  vr = 0;
+  readConfig(plat.CurrentDirectory() + "/quorble.cfg");
+  readConfig(join("quorble.cfg"));
+  Voice->SetVoice(nv);
+  Voice->SetRate(vr);
+  Voice->SetVolume(95);
+  GetTits();
+  Voice->Speak("", SVSFDefault);
+  dy(0.5);
+  sbuf->Stop();
+  sbuf.reset();
+  dy(0.2);
+  playspec();
+  dy(0.1);
+  play(0);
+  dy(0.1);
+  say(" Version 2. By Tavi Orlund ");
+  dy(0.3);
+  askins();
+  dy(0.2);
+  askspekey();
+  fpath = join("quorble.sav");
+  if (!present(fpath)) {
+    newGame();
+  } else {
+    say(" getting saved game ");
+    if (!readSave()) newGame();
+  }
+  return true;
+}
+
+Exit Form1::turnLoop() {
+  phase = Phase::Turns;
+  for (;;) {
+    setvoice();
+    for (int i = 1; i <= kDice; ++i) {
+      dye[i] = -1;
+      dyecopy[i] = -1;
+    }
+    p1 = 1;
+    p2 = 1;
+    fnf = 0;
+    if (auto way = turn()) return *way;
+  }
+}
+
+// One turn of the player up; nothing when it ends in the hand-over.
+std::optional<Exit> Form1::turn() {
+  switch (rollPrompt()) {
+    case AtPrompt::Leave: return Exit::Leave;
+    case AtPrompt::Save: return Exit::Save;
+    case AtPrompt::Roll: break;
+  }
+  play(5);
+  PickDye();
+  for (int roll = 2; roll <= 3; ++roll) {
+    const Review review = reviewDice();
+    if (review == Review::Leave) return Exit::Leave;
+    if (review == Review::Keep) break;
+    dy(0.2);
+    nroll = 0;
+    for (int i = 1; i <= kDice; ++i) nroll += dye[i] < 1 ? 1 : 0;
+    if (nroll > 0) play(nroll);
+    PickDye();
+  }
+  if (!chooseAndConfirm()) return Exit::Leave;
+  if (recordScore()) return Exit::GameOver;
+  nextPlayer();
+  return std::nullopt;
+}
+
+AtPrompt Form1::rollPrompt() {
+  for (;;) {
+    say2(" " + names[pup] + " player number " + nt(pup));
+    for (;;) {
+      say2(" Press R, to roll the dice ");
+      getkey();
+      if (g == "27") {
+        if (leavingPrompt()) return AtPrompt::Leave;
+        break;
+      }
+      saykey();
+      if (g2 == "r") return AtPrompt::Roll;
+      if (g2 == "s") {
+        if (saveGame()) return AtPrompt::Save;
+        break;
+      }
+      if (g2 == "m") {
+        rebord();
+        continue;
+      }
+      say2(" Press M to switch mode from dice to score board and back. ");
+      say2(" S to save game. ");
+      say2(" escape key to exit the game. ");
+    }
+  }
+}
+
+Review Form1::reviewDice() {
+  for (;;) {
+    dy(0.2);
+    SayAllDye();
+    dy(0.2);
+    seldice();
+    if (kd == 1) return Review::Keep;
+    if (g != "27") return Review::Roll;
+    if (leavingPrompt()) return Review::Leave;
+  }
+}
+
+// The row choice with its announcement; false when the player leaves.
+bool Form1::chooseAndConfirm() {
+  for (;;) {
+    dy(0.2);
+    SayAllDye();
+    scoring();
+    if (g == "27") {
+      if (leavingPrompt()) return false;
+      continue;
+    }
+    valueRow();
+    Answer answer;
+    do {
+      announce();
+      answer = yesno(kScorePlace, yorn);
+    } while (answer == Answer::Other);
+    if (answer == Answer::Yes) return true;
+  }
+}
+
+void Form1::announce() {
+  dy(0.2);
+  say2(" Score " + nt(pts) + " point" + (pts == 1 ? " " : "s "));
+  say2(" for " + titles[p1]);
+  if (g2p != 1) say2(" on sheet " + nt(p2));
+  dy(0.2);
+  say2(" Is this Correct? ");
+}
+
+bool Form1::leavingPrompt() {
+  for (;;) {
+    msg = " Do you wish to exit the game without saving it? ";
+    say2(msg);
+    const Answer answer = yesno(kLeavingPlace, yorn);
+    if (answer != Answer::Other) return answer == Answer::Yes;
+  }
+}
+
+// Writes the saved game for S; a save that fails is said and play goes on.
+bool Form1::saveGame() {
+  fpath = join("quorble.sav");
+  if (writeSave()) return true;
+  say2(" The game could not be saved. ");
+  return false;
+}
+
+void Form1::tail(Exit way) {
+  if (way == Exit::Save) say2(" Game Saved ");
+  if (way != Exit::NoVoices) say(kThanks);
+  if (way != Exit::Save && way != Exit::NoVoices) deleteSave();
+  if (way != Exit::NoVoices) writeConfig();
+  releaseSound();
+  const std::string launcher = plat.FindName(plat.CurrentDirectory() + "/lobbyhub.exe", false);
+  if (!launcher.empty()) {
+    Voice.reset();
+    plat.Launch(plat.CurrentDirectory() + "/" + launcher, 3);
+    return;
+  }
+  plat.Beep();
+  dy(0.1);
+  plat.Beep();
+  dy(0.1);
+  say("Sorry, but I could not find the Brindlesoft game menu program.");
+  dy(0.2);
+  Voice.reset();
+}
+
+// A closed window loses no game: a turn in hand is saved as S saves it, an
+// ended game leaves as from the end menu, and all of it without a word.
+void Form1::closeTail() {
+  if (phase == Phase::Turns) {
+    fpath = join("quorble.sav");
+    writeSave();
+    writeConfig();
+  } else if (phase == Phase::EndOfGame) {
+    deleteSave();
+    writeConfig();
+  }
+  releaseSound();
+  if (phase == Phase::EndOfGame) {
+    const std::string launcher = plat.FindName(plat.CurrentDirectory() + "/lobbyhub.exe", false);
+    if (!launcher.empty()) plat.Launch(plat.CurrentDirectory() + "/" + launcher, 3);
+  }
+  Voice.reset();
+}
+
+void Form1::deleteSave() {
+  fpath = join("quorble.sav");
+  const std::string found = plat.FindName(fpath, false);
+  if (!found.empty()) plat.DeleteFile(join(found));
+}
+
+void Form1::releaseSound() {
+  sbuf.reset();
+  dx8.reset();
+  ds8.reset();
+}
+
+}  // namespace quorble

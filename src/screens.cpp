@@ -1,0 +1,219 @@
+// The dice screen and the score board: all a player knows of them is spoken.
+#include "gamestate.h"
+
+namespace quorble {
+namespace {
+
+std::string LetterPhrase(int die) { return std::string(" ") + static_cast<char>('A' + die - 1) + ". equals "; }
+
+}  // namespace
+
+void Form1::SayAllDye() {
+  clk();
+  say2(" dice ");
+  dy(0.2);
+  for (int i = 1; i <= kDice; ++i) {
+    say2(LetterPhrase(i));
+    if (dye[i] > 0) say2(nt(dye[i]));
+  }
+  if (fnf == 1 || dye[1] < 1) return;
+  int alike = 0;
+  for (int i = 2; i <= kDice; ++i) alike += dye[i] == dye[1] ? 1 : 0;
+  if (alike < 4) return;
+  // The fanfare waits for the last value to be heard.
+  say(" ");
+  play(0);
+  fnf = 1;
+}
+
+void Form1::seldice() {
+  for (;;) {  // the head
+    kd = 0;
+    clk();
+    say2(" Select Dice ");
+    int cursor = 1;
+    bool speakDie = true;
+    for (;;) {
+      if (speakDie) {
+        say2(LetterPhrase(cursor));
+        if (dye[cursor] >= 1) say2(nt(dye[cursor]));
+      }
+      speakDie = true;
+      getkey();
+      if (g == "13" || g == "32") {
+        dye[cursor] = -1;
+        dy3(0.2);
+        play2(6);
+        dy3(0.2);
+        continue;
+      }
+      if (g == "27") return;
+      if (g == "38" || g == "40") {
+        cursor = g == "38" ? (cursor == 1 ? 5 : cursor - 1) : (cursor == 5 ? 1 : cursor + 1);
+        continue;
+      }
+      saykey();
+      if (g2.size() == 1 && g2[0] >= 'a' && g2[0] <= 'e') {
+        cursor = g2[0] - 'a' + 1;
+        continue;
+      }
+      if (g2 == "m") {
+        rebord();
+        if (g == "27") return;
+        break;
+      }
+      if (g2 == "k") {
+        bool marked = false;
+        for (int i = 1; i <= kDice; ++i) marked = marked || dye[i] < 1;
+        if (!marked) {
+          kd = 1;
+          return;
+        }
+        say(" you can not keep your dice until you roll them. ");
+        clk();
+        continue;
+      }
+      if (g2 == "r") return;
+      if (g2 == "s") {
+        SayAllDye();
+        speakDie = false;
+        continue;
+      }
+      if (g2 == "u") {
+        for (int i = 1; i <= kDice; ++i) dye[i] = dyecopy[i];
+        break;
+      }
+      say2(" Use the arrow keys or press the letter of the die "
+           " you wish to reroll. "
+           " Then press enter or space bar to select that die. ");
+      say2(" Press the R key to roll the die after selecting all of them that you wish to reroll. ");
+      say2(" press the s key to respeak all dice. ");
+      say2(" press the K key to keep die as they are ");
+      say2(" Press the M key to switch mode to review the score board. ");
+      say2(" press the U key to unselect all of the die. ");
+    }
+  }
+}
+
+void Form1::sheetPhrase() {
+  if (g2p == 1) {
+    say2(" sheet ");
+  } else {
+    say2(" sheet " + nt(p2) + " ");
+  }
+}
+
+void Form1::rowPhrase() {
+  say2(titles[p1]);
+  const int score = sheet[pup][p1][p2];
+  if (score >= 0) say2(nt(score) + "point" + (score == 1 ? " " : "s "));
+}
+
+namespace {
+
+// Moves the board's cursor for an arrow key. Returns 0 when the key isn't
+// one that moves it, 3 after a row move and 2 after a sheet move: the step
+// at which the board speaks again.
+int MoveOnBoard(const std::string& g, int g2p, int& p1, int& p2) {
+  if (g == "38") {
+    p1 = p1 == 1 ? kRows : p1 - 1;
+    return 3;
+  }
+  if (g == "40") {
+    p1 = p1 == kRows ? 1 : p1 + 1;
+    return 3;
+  }
+  if (g2p == 1 || (g != "37" && g != "39")) return 0;
+  if (g == "37") {
+    p2 = p2 - 1;
+    if (p2 <= 0) p2 = g2p;
+  } else {
+    p2 = p2 + 1;
+    if (p2 > g2p) p2 = 1;
+  }
+  return 2;
+}
+
+}  // namespace
+
+void Form1::rebord() {
+  clk();
+  say2(" score ");
+  int step = 2;
+  for (;;) {
+    if (step == 2) sheetPhrase();
+    rowPhrase();
+    getkey();
+    if (g == "27" || g2 == "m") return;
+    step = MoveOnBoard(g, g2p, p1, p2);
+    if (step == 0) {
+      say2(" Use the arrow keys to move through and review the score board. ");
+      say2(" press the M key to switch modes back to the dice. ");
+      step = 3;
+    }
+  }
+}
+
+void Form1::scoring() {
+  int step = 1;
+  for (;;) {
+    if (step == 1) {
+      clk();
+      say2(" score ");
+    }
+    if (step <= 2) sheetPhrase();
+    rowPhrase();
+    getkey();
+    if (g == "13" || g == "32") {
+      step = chooseRow();
+      if (step == 0) return;
+      continue;
+    }
+    if (g == "27") return;
+    if (g2 == "m") {
+      SayAllDye();
+      step = 2;
+      continue;
+    }
+    step = MoveOnBoard(g, g2p, p1, p2);
+    if (step == 0) {
+      say2(" Use the arrow keys to move through the score board. "
+           " Then press the enter key or space bar. ");
+      say2(" Press the M key to review your dice. ");
+      step = 3;
+    }
+  }
+}
+
+// 0 when the row is taken, else the step of the board to go on at.
+int Form1::chooseRow() {
+  if (p1 != kRows) {
+    if (sheet[pup][p1][p2] < 0) return 0;
+    dy(0.2);
+    plat.Beep();
+    dy(0.3);
+    say(" You already have a score for " + titles[p1]);
+    dy(0.3);
+    return 3;
+  }
+  int alike = 0;
+  for (int i = 2; i <= kDice; ++i) alike += dye[i] == dye[1] ? 1 : 0;
+  if (alike < 4) {
+    dy(0.2);
+    plat.Beep();
+    say(" Sorry but you do not have a kwor-bul."
+        " so it can not be scored as an extra kwor-bull.");
+    return 1;
+  }
+  if (sheet[pup][13][p2] == 50) return 0;
+  dy(0.2);
+  plat.Beep();
+  dy(0.3);
+  say(" Sorry but you can not have an extra quorble without first having a quorble. ");
+  dy(0.6);
+  p1 = 1;
+  p2 = 1;
+  return 1;
+}
+
+}  // namespace quorble

@@ -1,0 +1,130 @@
+// Speaking, the key echo, players' voices, samples and the two dialogues
+// for rate and voice.
+#include <limits>
+
+#include "gamestate.h"
+#include "prompts.h"
+
+namespace quorble {
+namespace {
+
+constexpr double kForever = std::numeric_limits<double>::infinity();
+const YesNoPlace kVoicePlace{2, " yes ", " no ", false, false, false};
+
+}  // namespace
+
+void Form1::say(const std::string& text) { Voice->Speak(text, SVSFDefault); }
+
+void Form1::say2(const std::string& text) { Voice->Speak(text, SVSFlagsAsync); }
+
+void Form1::stopspeech() { Voice->Speak("", SVSFPurgeBeforeSpeak); }
+
+void Form1::saykey() {
+  Voice->SetRate(vr + 5);
+  Voice->Speak("", SVSFPurgeBeforeSpeak);
+  if (g != "112") Voice->Speak(g2, SVSFlagsAsync);
+  Voice->SetRate(vr);
+}
+
+void Form1::setvoice() {
+  nv = pv[pup];
+  vr = pr[pup];
+  Voice = plat.NewSpVoice();
+  Voice->SetVoice(nv);
+  Voice->SetRate(vr);
+}
+
+std::string Form1::join(const std::string& name) const { return dp + "/" + name; }
+
+void Form1::playFile(const std::string& name, int position, bool keyEnds) {
+  clk();
+  sbuf = ds8->CreateSoundBufferFromFile(plat.ProgramFolder() + "/" + name, sbdesc);
+  sbuf->SetCurrentPosition(position);
+  sbuf->SetVolume(0);
+  sbuf->SetFrequency(fq);
+  sbuf->Play(0);
+  for (;;) {
+    pump();
+    if (sbuf->GetStatus() != DSBSTATUS_PLAYING) break;
+    if (keyEnds && !g.empty()) break;
+    waitUntil(WaitFor::Sound, kForever);
+  }
+  sbuf->Stop();
+  sbuf.reset();
+}
+
+// Samples are named by the last digit of the number's text.
+void Form1::play(int a) { playFile("quorble" + nt(a).substr(nt(a).size() - 1) + ".wav", 0, false); }
+
+void Form1::play2(int a) { playFile("quorble" + nt(a).substr(nt(a).size() - 1) + ".wav", 0, true); }
+
+void Form1::playspec() { playFile("quorble5.wav", 40000, false); }
+
+void Form1::openFiller() {
+  sbuf = ds8->CreateSoundBufferFromFile(plat.ProgramFolder() + "/quorble7.wav", sbdesc);
+  fq = sbuf->GetFrequency() + 1;
+  sbuf->SetCurrentPosition(0);
+  sbuf->SetVolume(0);
+}
+
+void Form1::adjrate() {
+  for (;;) {
+    clk();
+    Voice->SetRate(vr);
+    Voice->Speak("to adjust the speech rate, use the arrow keys and then press enter",
+                 SVSFlagsAsync);
+    Voice->Speak(std::to_string(vr), SVSFlagsAsync);
+    for (;;) {
+      g.clear();
+      for (;;) {
+        pump();
+        if (!g.empty()) break;
+        waitUntil(WaitFor::Key, kForever);
+      }
+      if (g == "38") {
+        ++vr;
+      } else if (g == "40") {
+        --vr;
+      } else if (g == "13") {
+        clk();
+        g = "1";
+        return;
+      } else {
+        break;
+      }
+      Voice->SetRate(vr);
+      Voice->Speak("", SVSFPurgeBeforeSpeak);
+      Voice->Speak(std::to_string(vr), SVSFlagsAsync);
+    }
+  }
+}
+
+void Form1::changevoice(int a) {
+  clk();
+  if (nov != 1) {
+    stopspeech();
+    openFiller();
+    sbuf->SetPan(0);
+    sbuf->SetFrequency(fq);
+    clk();
+    int answer = 2;
+    for (;;) {
+      clk();
+      say2(names[a] + " do you wish to use this voice? ");
+      Answer said = yesno(kVoicePlace, answer);
+      if (said == Answer::Yes) break;
+      if (said == Answer::Other) continue;
+      sbuf->Play(DSBPLAY_LOOPING);
+      ++nv;
+      if (nv + 1 > nov) nv = 0;
+      Voice = plat.NewSpVoice();
+      Voice->SetVoice(nv);
+      Voice->Speak(" ", SVSFDefault);
+      sbuf->Stop();
+    }
+  }
+  clk();
+  g = "1";
+}
+
+}  // namespace quorble

@@ -1,0 +1,386 @@
+// Synthesises the game's eight sound samples at build time, so every build ships the same
+// bytes and no recorded audio has to live in the repository.
+//
+// Usage: gensamples OUTDIR   (writes OUTDIR/quorble0.wav ... OUTDIR/quorble7.wav)
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <numbers>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int kSampleRate = 22050;
+constexpr double kTwoPi = 2.0 * std::numbers::pi;
+
+// The game plays quorble5.wav from this byte offset on as its own start-up sound, so the
+// five-dice layout is anchored here: the impacts are over and the gentle settling begins.
+constexpr int kTailOffsetBytes = 40000;
+constexpr int kTailStartSample = kTailOffsetBytes / 2;
+
+using Signal = std::vector<double>;
+
+int SamplesFor(double seconds) { return static_cast<int>(std::lround(seconds * kSampleRate)); }
+
+double DbToGain(double db) { return std::pow(10.0, db / 20.0); }
+
+// xorshift64*: the standard distributions are implementation-defined, so they could change
+// the samples from one standard library to the next; this cannot.
+class Rng {
+ public:
+  explicit Rng(uint64_t seed) : state_(seed != 0 ? seed : 1) {}
+
+  double Uniform() {
+    state_ ^= state_ >> 12;
+    state_ ^= state_ << 25;
+    state_ ^= state_ >> 27;
+    return static_cast<double>((state_ * 0x2545F4914F6CDD1DULL) >> 11) * 0x1.0p-53;
+  }
+  double Range(double low, double high) { return low + (high - low) * Uniform(); }
+
+ private:
+  uint64_t state_;
+};
+
+// Constant-peak band-pass biquad: shapes white noise into the short "tk" of a hard knock.
+class BandPass {
+ public:
+  BandPass(double centre_hz, double q) {
+    const double w = kTwoPi * centre_hz / kSampleRate;
+    const double alpha = std::sin(w) / (2.0 * q);
+    const double a0 = 1.0 + alpha;
+    b0_ = alpha / a0;
+    a1_ = -2.0 * std::cos(w) / a0;
+    a2_ = (1.0 - alpha) / a0;
+  }
+
+  double Process(double in) {
+    const double out = b0_ * (in - in2_) - a1_ * out1_ - a2_ * out2_;
+    in2_ = in1_;
+    in1_ = in;
+    out2_ = out1_;
+    out1_ = out;
+    return out;
+  }
+
+ private:
+  double b0_, a1_, a2_;
+  double in1_ = 0, in2_ = 0, out1_ = 0, out2_ = 0;
+};
+
+// Raised-cosine gain from 0 to 1 as `progress` goes from 0 to 1: no corner, so no click.
+double SmoothStep(double progress) {
+  return 0.5 - 0.5 * std::cos(std::numbers::pi * std::clamp(progress, 0.0, 1.0));
+}
+
+// Starts at sine phase zero and runs until it is far below one LSB, so it neither begins nor
+// ends with a jump of its own.
+void AddDampedSine(Signal& out, int start, double freq_hz, double amplitude, double decay_s) {
+  const int length = SamplesFor(decay_s * 9.0);
+  for (int i = 0; i < length && start + i < static_cast<int>(out.size()); ++i) {
+    const double t = static_cast<double>(i) / kSampleRate;
+    out[start + i] += amplitude * std::sin(kTwoPi * freq_hz * t) * std::exp(-t / decay_s);
+  }
+}
+
+void ApplyFades(Signal& signal, double fade_in_s, double fade_out_s) {
+  const int size = static_cast<int>(signal.size());
+  const int fade_in = std::max(1, SamplesFor(fade_in_s));
+  const int fade_out = std::max(1, SamplesFor(fade_out_s));
+  for (int i = 0; i < size; ++i) {
+    const double in_gain = SmoothStep(static_cast<double>(i) / fade_in);
+    const double out_gain = SmoothStep(static_cast<double>(size - 1 - i) / fade_out);
+    signal[i] *= in_gain * out_gain;
+  }
+}
+
+// Peak normalisation keeps the dice files equally loud whatever the number of dice.
+void NormalizePeak(Signal& signal, double peak_dbfs) {
+  double peak = 0.0;
+  for (double value : signal) peak = std::max(peak, std::abs(value));
+  if (peak == 0.0) return;
+  const double gain = DbToGain(peak_dbfs) / peak;
+  for (double& value : signal) value *= gain;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Dice
+
+// Each die keeps its own resonances through all its bounces, which is what lets the ear follow
+// several dice at once.
+struct DieVoice {
+  std::array<double, 3> mode_hz;
+  double knock_hz;
+};
+
+DieVoice MakeDieVoice(Rng& rng) {
+  // A braced initialiser, unlike function arguments, evaluates its draws left to right.
+  return {{rng.Range(1500, 2000), rng.Range(2400, 3000), rng.Range(3300, 4000)},
+          rng.Range(3000, 5000)};
+}
+
+// The table, not the die, gives the low wooden body, so its modes are shared by every die.
+constexpr std::array<double, 2> kTableModesHz = {170.0, 265.0};
+
+// A damped sine that always starts upwards leaves a net offset behind; random polarity per
+// mode cancels it out across the hits and avoids stacking every mode's first peak. Separate
+// statements, because two draws in one expression would come in an unspecified order.
+double SignedRange(Rng& rng, double low, double high) {
+  const double sign = rng.Uniform() < 0.5 ? -1.0 : 1.0;
+  return sign * rng.Range(low, high);
+}
+
+// One hit: a noise "tk", the die's own ringing, and `thump` of the table's body (soft
+// touches barely move the table).
+void AddClack(Signal& out, int start, const DieVoice& voice, double strength, double thump,
+              Rng& rng) {
+  BandPass knock(voice.knock_hz, 0.9);
+  const int burst = SamplesFor(0.005);
+  for (int i = 0; i < burst && start + i < static_cast<int>(out.size()); ++i) {
+    const double envelope = std::exp(-static_cast<double>(i) / SamplesFor(0.0008));
+    out[start + i] += 0.9 * strength * envelope * knock.Process(rng.Range(-1, 1));
+  }
+  for (double mode : voice.mode_hz) {
+    // Which face or edge lands changes the balance of modes from one bounce to the next; each
+    // mode rings for about 18 of its own cycles, so the higher ones die away first.
+    AddDampedSine(out, start, mode, strength * SignedRange(rng, 0.15, 0.35), 18.0 / mode);
+  }
+  for (double mode : kTableModesHz) {
+    AddDampedSine(out, start, mode, thump * strength * SignedRange(rng, 0.25, 0.4), 0.022);
+  }
+}
+
+// A dropped die: each bounce loses height, so both the gap before the next one and the
+// loudness shrink geometrically. Returns the sample after its last bounce.
+int AddDroppedDie(Signal& out, int start, const DieVoice& voice, double strength, Rng& rng) {
+  double gap_s = rng.Range(0.10, 0.13);
+  double amplitude = strength;
+  int at = start;
+  while (gap_s > 0.014) {
+    AddClack(out, at, voice, amplitude, 1.0, rng);
+    at += SamplesFor(gap_s);
+    gap_s *= rng.Range(0.48, 0.58);
+    amplitude *= rng.Range(0.5, 0.6);
+  }
+  return at;
+}
+
+// A die rocking to rest on a face: ever quicker, ever softer ticks, paced so that the whole
+// series fits in the time left rather than being cut off mid-rock.
+void AddRockingDie(Signal& out, int start, int end, const DieVoice& voice, double strength,
+                   Rng& rng) {
+  const double shrink = rng.Range(0.74, 0.8);
+  const double available_s = static_cast<double>(end - start) / kSampleRate;
+  double gap_s = std::min(rng.Range(0.09, 0.12), available_s * (1.0 - shrink));
+  double amplitude = strength;
+  for (int at = start; at < end && gap_s > 0.01; at += SamplesFor(gap_s)) {
+    AddClack(out, at, voice, amplitude, 0.3, rng);
+    gap_s *= shrink;
+    amplitude *= rng.Range(0.75, 0.82);
+  }
+}
+
+// Impacts up to a settle point, then a separate, quiet rocking layer. The impacts are faded to
+// exact silence at the settle point, so a player started there begins cleanly.
+Signal MakeDice(int dice) {
+  Rng rng(0x51CE0000ULL + static_cast<uint64_t>(dice));
+  const int settle_at = kTailStartSample - (5 - dice) * SamplesFor(0.14);
+  const int settle_length = SamplesFor(0.25 + 0.11 * (dice - 1));
+  const int length = settle_at + settle_length;
+
+  std::vector<DieVoice> voices;
+  for (int die = 0; die < dice; ++die) voices.push_back(MakeDieVoice(rng));
+
+  Signal impacts(length, 0.0);
+  int drop_at = SamplesFor(0.01);
+  for (int die = 0; die < dice; ++die) {
+    const double strength = die == 0 ? 1.0 : rng.Range(0.75, 0.95);
+    const int landed = AddDroppedDie(impacts, drop_at, voices[die], strength, rng);
+    // Dice landing among dice already down knock against them: small, bright, no body.
+    if (die > 0) AddClack(impacts, landed, voices[die - 1], 0.25, 0.0, rng);
+    // Each extra die moves the settle point 0.14 s later, so this keeps the impacts spread
+    // evenly over the time before it.
+    drop_at += SamplesFor(rng.Range(0.11, 0.14));
+  }
+  const int fade = SamplesFor(0.04);
+  for (int i = settle_at - fade; i < length; ++i) {
+    impacts[i] *= 1.0 - SmoothStep(static_cast<double>(i - (settle_at - fade)) / fade);
+  }
+
+  Signal settling(length, 0.0);
+  const int rock_end = length - SamplesFor(0.06);
+  for (int die = 0; die < dice; ++die) {
+    const int start = settle_at + SamplesFor(0.015 + (die == 0 ? 0.0 : rng.Range(0.0, 0.2)));
+    AddRockingDie(settling, start, rock_end, voices[die], rng.Range(0.2, 0.26), rng);
+  }
+
+  for (int i = 0; i < length; ++i) impacts[i] += settling[i];
+  ApplyFades(impacts, 0.002, 0.03);
+  NormalizePeak(impacts, -3.0);
+  return impacts;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Fanfare
+
+// Brass-like note: upper harmonics bloom later than the fundamental and fade sooner, and a
+// slow-starting vibrato keeps the held chord alive.
+void AddBrassNote(Signal& out, double start_s, double freq_hz, double hold_s, double release_s,
+                  double loudness) {
+  const int start = SamplesFor(start_s);
+  const int length = SamplesFor(hold_s + release_s);
+  for (int harmonic = 1; harmonic * freq_hz < 9000.0; ++harmonic) {
+    const double weight = loudness / std::pow(harmonic, 1.15);
+    const double attack = 0.012 + 0.005 * harmonic;
+    double phase = 0.0;
+    for (int i = 0; i < length && start + i < static_cast<int>(out.size()); ++i) {
+      const double t = static_cast<double>(i) / kSampleRate;
+      const double swell = SmoothStep(t / attack) * (0.8 + 0.2 * std::exp(-t / 0.12));
+      const double release = 1.0 - SmoothStep((t - hold_s) / (release_s * (0.4 + 0.6 / harmonic)));
+      const double vibrato = 0.004 * SmoothStep((t - 0.25) / 0.3) * std::sin(kTwoPi * 5.5 * t);
+      phase += kTwoPi * harmonic * freq_hz * (1.0 + vibrato) / kSampleRate;
+      out[start + i] += weight * swell * release * std::sin(phase);
+    }
+  }
+}
+
+Signal MakeFanfare() {
+  constexpr double kC5 = 523.25, kE5 = 659.26, kG5 = 783.99, kC6 = 1046.50;
+  Signal out(SamplesFor(1.35), 0.0);
+  // Short releases keep the arpeggio notes apart, so the rise is heard note by note.
+  constexpr double kStep = 0.085;
+  const std::array<double, 3> arpeggio = {kC5, kE5, kG5};
+  for (size_t note = 0; note < arpeggio.size(); ++note) {
+    AddBrassNote(out, 0.01 + kStep * note, arpeggio[note], 0.06, 0.04, 1.0);
+  }
+  for (double freq : {kC5, kE5, kG5, kC6}) {
+    AddBrassNote(out, 0.01 + kStep * 3, freq, 0.8, 0.2, 0.45);
+  }
+  ApplyFades(out, 0.003, 0.05);
+  NormalizePeak(out, -5.5);
+  return out;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Selection tick and loading loop
+
+// Heard on every die selection, so it is rounder and lower than a dice clack.
+Signal MakeTick() {
+  Rng rng(0x71C4ULL);
+  Signal out(SamplesFor(0.08), 0.0);
+  AddDampedSine(out, 0, 1700.0, 1.0, 0.004);
+  AddDampedSine(out, 0, 760.0, 0.6, 0.009);
+  BandPass knock(2600.0, 1.2);
+  for (int i = 0; i < SamplesFor(0.003); ++i) {
+    out[i] += 0.5 * std::exp(-static_cast<double>(i) / SamplesFor(0.0007)) *
+              knock.Process(rng.Range(-1, 1));
+  }
+  ApplyFades(out, 0.0015, 0.02);
+  NormalizePeak(out, -6.0);
+  return out;
+}
+
+// Every partial and the tremolo complete a whole number of cycles over the loop, so the
+// sample after the last one would be the first one again: the loop has no seam.
+Signal MakeLoadingLoop() {
+  constexpr int kLoopSamples = 2 * kSampleRate;
+  struct Partial {
+    int cycles;  // per loop, i.e. twice the frequency in Hz
+    double amplitude;
+    double phase;
+  };
+  // A soft G major triad; the twin one cycle above each note beats gently against it.
+  constexpr std::array<Partial, 7> kPartials = {{{392, 1.0, 0.0},
+                                                 {393, 0.35, 1.1},
+                                                 {494, 0.6, 0.4},
+                                                 {495, 0.2, 2.3},
+                                                 {587, 0.55, 0.9},
+                                                 {588, 0.2, 1.7},
+                                                 {784, 0.12, 0.3}}};
+  constexpr int kTremoloCycles = 2;
+  Signal out(kLoopSamples, 0.0);
+  for (int i = 0; i < kLoopSamples; ++i) {
+    const double position = static_cast<double>(i) / kLoopSamples;
+    double value = 0.0;
+    for (const Partial& partial : kPartials) {
+      value += partial.amplitude * std::sin(kTwoPi * partial.cycles * position + partial.phase);
+    }
+    out[i] = value * (1.0 + 0.25 * std::sin(kTwoPi * kTremoloCycles * position));
+  }
+  NormalizePeak(out, -6.0);
+  return out;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Output
+
+// Byte by byte, so the file is little-endian whatever the host is.
+void PutLittleEndian(std::vector<char>& bytes, uint32_t value, int width) {
+  for (int i = 0; i < width; ++i) bytes.push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
+}
+
+void PutTag(std::vector<char>& bytes, const char* tag) { bytes.insert(bytes.end(), tag, tag + 4); }
+
+bool WriteWav(const std::filesystem::path& path, const Signal& signal) {
+  const auto data_bytes = static_cast<uint32_t>(signal.size() * 2);
+  std::vector<char> bytes;
+  PutTag(bytes, "RIFF");
+  PutLittleEndian(bytes, 36 + data_bytes, 4);
+  PutTag(bytes, "WAVE");
+  PutTag(bytes, "fmt ");
+  PutLittleEndian(bytes, 16, 4);               // fmt chunk size
+  PutLittleEndian(bytes, 1, 2);                // PCM
+  PutLittleEndian(bytes, 1, 2);                // mono
+  PutLittleEndian(bytes, kSampleRate, 4);      // frames per second
+  PutLittleEndian(bytes, kSampleRate * 2, 4);  // bytes per second
+  PutLittleEndian(bytes, 2, 2);                // block align
+  PutLittleEndian(bytes, 16, 2);               // bits per sample
+  PutTag(bytes, "data");
+  PutLittleEndian(bytes, data_bytes, 4);
+  for (double value : signal) {
+    const long sample = std::lround(std::clamp(value, -1.0, 1.0) * 32767.0);
+    PutLittleEndian(bytes, static_cast<uint32_t>(static_cast<int16_t>(sample)), 2);
+  }
+  std::ofstream file(path, std::ios::binary);
+  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  return static_cast<bool>(file);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: " << argv[0] << " OUTDIR\n";
+    return 2;
+  }
+  const std::filesystem::path out_dir = argv[1];
+  // Not checked here: an unusable directory is reported below, naming the file that failed.
+  std::error_code ignored;
+  std::filesystem::create_directories(out_dir, ignored);
+
+  const std::array<std::function<Signal()>, 8> makers = {
+      MakeFanfare,
+      [] { return MakeDice(1); },
+      [] { return MakeDice(2); },
+      [] { return MakeDice(3); },
+      [] { return MakeDice(4); },
+      [] { return MakeDice(5); },
+      MakeTick,
+      MakeLoadingLoop,
+  };
+  for (size_t index = 0; index < makers.size(); ++index) {
+    const auto path = out_dir / ("quorble" + std::to_string(index) + ".wav");
+    if (!WriteWav(path, makers[index]())) {
+      std::cerr << "gensamples: cannot write " << path << "\n";
+      return 1;
+    }
+  }
+  return 0;
+}
