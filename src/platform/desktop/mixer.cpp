@@ -103,7 +103,7 @@ bool Mixer::SpeechBuffered() {
 }
 
 void Mixer::SetSpeechDrained(Notify drained) {
-  std::lock_guard lock(mutex_);
+  std::lock_guard lock(listenerMutex_);
   speechDrained_ = std::move(drained);
 }
 
@@ -151,7 +151,7 @@ void Mixer::MixPeriod(float* mix, int frames) {
   const size_t values = static_cast<size_t>(frames) * kMixChannels;
   std::fill(mix, mix + values, 0.0f);
   bool sampleEnded = false;
-  Notify drained;
+  bool speechRanOut = false;
   {
     std::lock_guard lock(mutex_);
     const bool speechHeard = MixSpeech(mix, frames);
@@ -159,13 +159,16 @@ void Mixer::MixPeriod(float* mix, int frames) {
     MixBeep(mix, frames);
     if (speechSounding_ && SDL_AudioStreamAvailable(speech_.get()) == 0) {
       speechSounding_ = false;
-      drained = speechDrained_;
+      speechRanOut = true;
     }
     if (observer_) observer_(speechHeard);
   }
   std::for_each(mix, mix + values, [](float& value) { value = std::clamp(value, -1.0f, 1.0f); });
-  if (drained) drained();
-  if (sampleEnded || drained) wake_();
+  if (speechRanOut) {
+    std::lock_guard lock(listenerMutex_);
+    if (speechDrained_) speechDrained_();
+  }
+  if (sampleEnded || speechRanOut) wake_();
 }
 
 bool Mixer::MixSpeech(float* mix, int frames) {

@@ -41,6 +41,7 @@ class Mixer {
   void EndSpeechText(uint64_t generation);
   void PurgeSpeech(uint64_t generation);
   bool SpeechBuffered();
+  // `drained` runs on the audio thread each time the speech runs out.
   void SetSpeechDrained(Notify drained);
 
   void Beep();
@@ -73,12 +74,16 @@ class Mixer {
   AudioStream speech_;
   uint64_t speechGeneration_ = 0;
   bool speechSounding_ = false;
-  Notify speechDrained_;
   std::vector<std::shared_ptr<SampleVoice>> voices_;
   size_t beepPosition_;
   std::vector<float> scratch_;
   PeriodObserver observer_;
   bool stopping_ = false;
+
+  // Apart from the lock above, so that the listener, once replaced, is
+  // certain not to be running, and may take locks of its own.
+  std::mutex listenerMutex_;
+  Notify speechDrained_;
 
   // Last, so that no callback outlives the state above.
   std::optional<AudioDevice> device_;

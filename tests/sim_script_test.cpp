@@ -1,0 +1,55 @@
+// The simulator's script language is a contract other tools write to.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "platform/sim/script.h"
+
+namespace quorble::sim {
+namespace {
+
+TEST(SimScript, KeyNames) {
+  const std::pair<const char*, int> kNames[] = {
+      {"a", 65},      {"Z", 90},        {"0", 48},      {"9", 57},        {"backspace", 8},
+      {"tab", 9},     {"ENTER", 13},    {"shift", 16},  {"ctrl", 17},     {"alt", 18},
+      {"pause", 19},  {"capslock", 20}, {"esc", 27},    {"space", 32},    {"pageup", 33},
+      {"pagedown", 34}, {"end", 35},    {"home", 36},   {"left", 37},     {"up", 38},
+      {"right", 39},  {"down", 40},     {"insert", 45}, {"delete", 46},   {"kp0", 96},
+      {"kp9", 105},   {"kpmul", 106},   {"kpplus", 107}, {"kpminus", 109}, {"kpdot", 110},
+      {"kpdiv", 111}, {"f1", 112},      {"F12", 123},   {"semicolon", 186}, {"equals", 187},
+      {"comma", 188}, {"minus", 189},   {"period", 190}, {"slash", 191},  {"grave", 192},
+      {"vk:1", 1},    {"vk:254", 254},  {"vk:0", 0},    {"vk:255", 0},    {"f13", 0},
+      {"kp10", 0},    {"nosuch", 0},
+  };
+  for (const auto& [name, code] : kNames) EXPECT_EQ(KeyCode(name), code) << name;
+}
+
+TEST(SimScript, ReadsEveryCommand) {
+  std::istringstream in(
+      "# a comment\n\nvoices 5\ndate 2026-11-19\nclock 23:59:58\ndice 1 6\n"
+      "key r esc\nafter 1.5 key up\nclose\ndice 3\n");
+  const Script script = ParseScript(in);
+  EXPECT_EQ(script.voices, 5);
+  EXPECT_EQ(script.date.month, 11);
+  EXPECT_EQ(script.clockSeconds, 86398);
+  EXPECT_EQ(script.dice, (std::deque<int>{1, 6, 3}));
+  ASSERT_EQ(script.presses.size(), 4u);
+  EXPECT_EQ(script.presses[1].code, 27);
+  EXPECT_TRUE(script.presses[2].after);
+  EXPECT_DOUBLE_EQ(script.presses[2].delay, 1.5);
+  EXPECT_TRUE(script.presses[3].close);
+}
+
+TEST(SimScript, RefusesWhatItCannotRead) {
+  const char* const kBad[] = {
+      "voices 21",  "key r\nvoices 2", "date 2026-13-01", "clock 24:00:00", "dice 7",
+      "key nosuch", "after x key a",   "after 1 a",       "frobnicate",     "close now",
+  };
+  for (const char* text : kBad) {
+    std::istringstream in(text);
+    EXPECT_THROW(ParseScript(in), std::runtime_error) << text;
+  }
+}
+
+}  // namespace
+}  // namespace quorble::sim
