@@ -1,0 +1,175 @@
+#include "platform/desktop/desktop_platform.h"
+
+#include <algorithm>
+#include <bit>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+#include <stdexcept>
+
+#include "platform/common/disk.h"
+#include "platform/desktop/keymap.h"
+#include "platform/desktop/shell.h"
+#include "platform/desktop/sound.h"
+
+namespace quorble::desktop {
+namespace {
+
+constexpr int kWidth = 640;
+constexpr int kHeight = 480;
+// However long the wait, look again this often, in case a wake-up was lost.
+constexpr double kLongestWaitMs = 500.0;
+
+// Only keys, the close request and what repaints the window wake the game.
+constexpr SDL_EventType kIgnoredEvents[] = {
+    SDL_KEYUP,           SDL_TEXTINPUT,     SDL_TEXTEDITING,   SDL_MOUSEMOTION,
+    SDL_MOUSEBUTTONDOWN, SDL_MOUSEBUTTONUP, SDL_MOUSEWHEEL,    SDL_FINGERDOWN,
+    SDL_FINGERUP,        SDL_FINGERMOTION,  SDL_KEYMAPCHANGED,
+};
+
+Window MakeWindow() {
+  SDL_Window* window = SDL_CreateWindow("Quorble", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
+                                        kWidth, kHeight, SDL_WINDOW_HIDDEN);
+  if (window == nullptr) throw std::runtime_error(std::string("no window: ") + SDL_GetError());
+  return Window(window);
+}
+
+std::tm LocalNow(std::chrono::system_clock::time_point now) {
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  return local;
+}
+
+}  // namespace
+
+DesktopPlatform::DesktopPlatform()
+    : wakeEvent_(SDL_RegisterEvents(1)),
+      window_(MakeWindow()),
+      mixer_(std::make_shared<Mixer>([wake = wakeEvent_] {
+        SDL_Event event{};
+        event.type = wake;
+        SDL_PushEvent(&event);
+      })),
+      speech_(std::make_shared<SpeechEngine>(mixer_)) {
+  for (SDL_EventType type : kIgnoredEvents) SDL_EventState(type, SDL_IGNORE);
+  SDL_StopTextInput();
+}
+
+DesktopPlatform::~DesktopPlatform() = default;
+
+void DesktopPlatform::Show(const std::string& caption) {
+  SDL_Window* window = window_.get();
+  SDL_SetWindowTitle(window, caption.c_str());
+  SDL_ShowWindow(window);
+  SDL_RaiseWindow(window);
+  SDL_SetWindowInputFocus(window);
+  PaintBlack();
+}
+
+void DesktopPlatform::Pump(WindowEvents& events) {
+  SDL_Event event;
+  while (SDL_PollEvent(&event) == 1) {
+    if (event.type == SDL_KEYDOWN) {
+      const SDL_Keysym& key = event.key.keysym;
+      const int code = VirtualKeyCode(key.sym, key.scancode, (key.mod & KMOD_NUM) != 0);
+      if (code != 0) events.Form_KeyDown(code);
+    } else if (event.type == SDL_QUIT) {
+      events.Form_CloseRequest();
+    } else if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_EXPOSED) {
+      PaintBlack();
+    }
+  }
+}
+
+// Every kind of wait ends on any event: the mixer and the speech worker
+// post a wake-up when a sample or the speech ends, and the game looks
+// again at whatever it waits for.
+void DesktopPlatform::WaitEvent(WaitFor /*what*/, double deadline) {
+  const double remainingMs = (deadline - Monotonic()) * 1000.0;
+  if (remainingMs <= 0) return;
+  const int timeoutMs = static_cast<int>(std::ceil(std::min(remainingMs, kLongestWaitMs)));
+  SDL_WaitEventTimeout(nullptr, timeoutMs);
+  // A wake-up has done its work once the wait is over; left in the queue it
+  // would end the next wait before anything has changed.
+  SDL_FlushEvent(wakeEvent_);
+}
+
+void DesktopPlatform::MessageBox(const std::string& text) {
+  if (SDL_ShowSimpleMessageBox(SDL_MESSAGEBOX_INFORMATION, "Quorble", text.c_str(),
+                               window_.get()) != 0) {
+    std::fprintf(stderr, "%s\n", text.c_str());
+  }
+}
+
+void DesktopPlatform::Beep() { mixer_->Beep(); }
+
+double DesktopPlatform::Monotonic() {
+  using Seconds = std::chrono::duration<double>;
+  return std::chrono::duration_cast<Seconds>(std::chrono::steady_clock::now().time_since_epoch())
+      .count();
+}
+
+double DesktopPlatform::Timer() {
+  const auto now = std::chrono::system_clock::now();
+  const std::tm local = LocalNow(now);
+  const auto sinceSecond = now - std::chrono::floor<std::chrono::seconds>(now);
+  const double fraction = std::chrono::duration<double>(sinceSecond).count();
+  return local.tm_hour * 3600.0 + local.tm_min * 60.0 + local.tm_sec + fraction;
+}
+
+Date DesktopPlatform::Today() {
+  const std::tm local = LocalNow(std::chrono::system_clock::now());
+  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday};
+}
+
+void DesktopPlatform::Randomize(double seed) {
+  const auto bits = std::bit_cast<uint64_t>(seed);
+  std::seed_seq sequence{static_cast<uint32_t>(bits), static_cast<uint32_t>(bits >> 32)};
+  random_.seed(sequence);
+}
+
+float DesktopPlatform::Rnd() { return static_cast<float>(random_() >> 8) * 0x1p-24f; }
+
+std::unique_ptr<SpeechVoice> DesktopPlatform::NewSpVoice() {
+  return std::make_unique<EspeakVoice>(speech_);
+}
+
+std::unique_ptr<DirectX8> DesktopPlatform::NewDirectX8() {
+  return std::make_unique<DesktopDirectX8>(mixer_);
+}
+
+std::string DesktopPlatform::DocumentsFolder() { return UserDocumentsFolder(); }
+std::string DesktopPlatform::CurrentDirectory() { return disk::CurrentDirectory(); }
+std::string DesktopPlatform::ProgramFolder() { return disk::ExecutableFolder(); }
+
+std::string DesktopPlatform::FindName(const std::string& path, bool directories) {
+  return disk::FindName(path, directories);
+}
+bool DesktopPlatform::MakeDirectory(const std::string& path) { return disk::MakeDirectory(path); }
+bool DesktopPlatform::DeleteFile(const std::string& path) { return disk::DeleteFile(path); }
+bool DesktopPlatform::RenameFile(const std::string& from, const std::string& to) {
+  return disk::RenameFile(from, to);
+}
+std::optional<std::string> DesktopPlatform::ReadFile(const std::string& path) {
+  return disk::ReadFile(path);
+}
+bool DesktopPlatform::WriteFile(const std::string& path, const std::string& bytes) {
+  return disk::WriteFile(path, bytes);
+}
+bool DesktopPlatform::AppendFile(const std::string& path, const std::string& bytes) {
+  return disk::AppendFile(path, bytes);
+}
+
+void DesktopPlatform::Launch(const std::string& path, int /*windowStyle*/) { LaunchDetached(path); }
+
+// The window shows nothing, but its content must not be left undefined.
+void DesktopPlatform::PaintBlack() {
+  SDL_Surface* surface = SDL_GetWindowSurface(window_.get());
+  if (surface == nullptr) return;
+  SDL_FillRect(surface, nullptr, SDL_MapRGB(surface->format, 0, 0, 0));
+  SDL_UpdateWindowSurface(window_.get());
+}
+
+}  // namespace quorble::desktop
