@@ -204,6 +204,7 @@ bool Form1::saveGame() {
 }
 
 void Form1::tail(Exit way) {
+  phase = Phase::Leaving;
   if (way == Exit::Save) say2(" Game Saved ");
   if (way != Exit::NoVoices) say(kThanks);
   if (way != Exit::Save && way != Exit::NoVoices) deleteSave();
@@ -225,7 +226,8 @@ void Form1::tail(Exit way) {
 }
 
 // A closed window loses no game: a turn in hand is saved as S saves it, an
-// ended game leaves as from the end menu, and all of it without a word.
+// ended game leaves as from the end menu, and all of it without a word. On
+// the way out the files are already settled.
 void Form1::closeTail() {
   if (phase == Phase::Turns) {
     fpath = join("quorble.sav");

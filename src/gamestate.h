@@ -144,7 +144,7 @@ class Form1 : public GameState, private WindowEvents {
  private:
   // Raised out of any wait once the window has been asked to close.
   struct WindowClosed {};
-  enum class Phase { StartUp, Turns, EndOfGame };
+  enum class Phase { StartUp, Turns, EndOfGame, Leaving };
 
   void pump();
   void waitUntil(WaitFor what, double deadline);

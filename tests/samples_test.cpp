@@ -73,6 +73,10 @@ const Expectation kExpectations[] = {
     {4, 1.0, 1.6, true}, {5, 1.4, 2.0, true}, {6, 0.05, 0.11, true}, {7, 1.5, 2.5, false},
 };
 
+void PrintTo(const Expectation& expectation, std::ostream* out) {
+  *out << "quorble" << expectation.index << ".wav";
+}
+
 class SampleTest : public testing::TestWithParam<Expectation> {};
 
 TEST_P(SampleTest, HeaderIsCanonicalPcm16BitMono22050) {
