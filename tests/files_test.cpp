@@ -1,1 +1,263 @@
-// placeholder
+// What a game leaves on disk: the log, the saved game, the configuration,
+// and what a closed window or a bad file does to them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "game_script.h"
+
+namespace quorble::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Crlf(const std::string& text) {
+  std::string out;
+  for (char c : text) out += c == '\n' ? std::string("\r\n") : std::string(1, c);
+  return out;
+}
+
+// `text` with its line `n`, counted from 0, replaced by `by`, or dropped.
+std::string WithLine(std::string text, int n, const char* by) {
+  size_t at = 0;
+  for (int i = 0; i < n; ++i) at = text.find("\r\n", at) + 2;
+  return text.replace(at, text.find("\r\n", at) + 2 - at, by ? std::string(by) + "\r\n" : "");
+}
+
+const std::string kAnnRate =
+    "key n n enter 1 y\nkey shift a n n ctrl down down enter enter enter y\n";
+
+const std::string kSaveExample = Crlf(R"( 1 
+ 1 
+ 1 
+ 0 
+Ann
+ 0 
+ 0 
+-2 
+ 3 
+-1 
+-1 
+-1 
+-1 
+-1 
+-1 
+-1 
+ 25 
+-1 
+-1 
+-1 
+-1 
+-1 
+)");
+
+const std::string kLogExample = Crlf(R"(Quorble log file 11-19-2026 By Tavi Orlund
+
+Player # 1Ann
+ ones  3 points 
+ twos  6 points 
+ threes  9 points 
+ fours  12 points 
+ fives  15 points 
+ sixes  18 points 
+ three of a kind  20 points 
+ four of a kind  22 points 
+ full house  25 points 
+ small straight  30 points 
+ large straight  40 points 
+ chance  21 points 
+quorble  50 points 
+ extra quorble  0 points 
+top score 63 points
+bonus 35 points
+bottom score 208 points
+total score 306 points
+ 
+ 
+)");
+
+TEST(Files, LogOfTheLastGameWithItsWinnerLineAfterF1) {
+  SimWorld world;
+  const fs::path log = world.Data() / "quorblelog.txt";
+  const SimRun first =
+      world.Run("date 2026-11-18\n" + NamedGame({"shift a n n"}) + FillSheet() + "key esc\n");
+  ASSERT_EQ(first.status, 0) << first.Dump();
+  std::string older = kLogExample;
+  older.replace(older.find("11-19"), 5, "11-18");
+  EXPECT_EQ(SimWorld::Read(log), older) << "one player: no winner line without F1";
+  const SimRun second =
+      world.Run("date 2026-11-19\n" + NamedGame({"shift a n n"}) + FillSheet() + "key f1 esc\n");
+  ASSERT_EQ(second.status, 0) << second.Dump();
+  EXPECT_EQ(SimWorld::Read(log), kLogExample + "The winner is Ann! with  306 points\r\n");
+}
+
+TEST(Files, TwoSheetLogHasSheetHeadsAndGrandTotals) {
+  SimWorld world;
+  ASSERT_EQ(world.Run("date 2026-11-19\n" + TwoSheetRace() + "key esc\n").status, 0);
+  const size_t rows = kLogExample.find(" ones"), end = kLogExample.find(" \r\n \r\n") + 3;
+  const std::string plain = kLogExample.substr(rows, end - rows);
+  std::string extra = plain;  // Ann's first sheet, with 200 on row 14
+  extra.replace(extra.find("quorble  0"), 10, "quorble  200");
+  extra.replace(extra.find("208"), 3, "408");
+  extra.replace(extra.find("306"), 3, "506");
+  const auto sheets = [&](const std::string& first) {
+    return "score sheet # 1\r\n" + first + "score sheet # 2\r\n" + plain;
+  };
+  EXPECT_EQ(SimWorld::Read(world.Data() / "quorblelog.txt"),
+            kLogExample.substr(0, kLogExample.find("Player")) + "Player # 1Ann\r\n" +
+                sheets(extra) + "grand total 812 points\r\n \r\nPlayer # 2Bob\r\n" + sheets(plain) +
+                "grand total 612 points\r\n \r\nThe winner is Ann! with  812 points\r\n");
+}
+
+TEST(Files, SaveResumeAndLeaveWithYes) {
+  SimWorld world;
+  const fs::path save = world.Data() / "quorble.sav";
+  const SimRun saved =
+      world.Run(kAnnRate + Turn("1 1 1 2 2", 1) + Turn("2 2 3 3 3", 9) + "key s\n");
+  ASSERT_EQ(saved.status, 0) << saved.Dump();
+  EXPECT_EQ(SimWorld::Read(save), kSaveExample);
+  EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.cfg"), " 0 \r\n-2 \r\n");
+  EXPECT_TRUE(HeardFrom(
+      saved, saved.Find("key 83"),
+      R"(key 83 | "s" | " Game Saved " | !" thank you for playing Kwor-bul, By Tavi Orlund ")"));
+
+  const SimRun resumed = world.Run("key n n esc y\n");
+  ASSERT_EQ(resumed.status, 0) << resumed.Dump();
+  const int getting = resumed.Find(R"(speak " getting saved game ")");
+  EXPECT_TRUE(HeardFrom(resumed, getting, R"(!" getting saved game " | " Ann player number  1")"));
+  EXPECT_NE(resumed.Find("voice rate -2", getting), -1);
+  EXPECT_FALSE(fs::exists(save)) << "a yes at the leaving prompt takes the saved game with it";
+}
+
+TEST(Files, SavedGameLinesAndNamesRoundTrip) {
+  SimWorld world;
+  const fs::path save = world.Data() / "quorble.sav";
+  // Two players on three sheets, saved at the first roll prompt.
+  ASSERT_EQ(world.Run(NamedGame({"a", "b"}, "t") + "key s\n").status, 0);
+  const std::vector<int> empty(42, -1);
+  EXPECT_EQ(SimWorld::Read(save), SaveText(1, 3, {{"a", 0, 0, 0, empty}, {"b", 0, 0, 0, empty}}));
+  EXPECT_EQ(std::ranges::count(SimWorld::Read(save), '\n'), 96);
+
+  // A name is its whole line; a voice the engine lacks becomes the first.
+  const std::string name = R"(Jo "Ace", Jr)";
+  const auto game = [&](int voice) {
+    return SaveText(2, 1,
+                    {{"Cy", 0, 1, 0, ExampleCells(50)}, {name, 0, voice, 4, ExampleCells(-1)}});
+  };
+  SimWorld::Write(save, game(7));
+  const SimRun run = world.Run("key n n s\n");
+  ASSERT_EQ(run.status, 0) << run.Dump();
+  const int intro = run.Find(R"(speak async " Jo \"Ace\", Jr player number  2")");
+  ASSERT_NE(intro, -1) << run.Dump();
+  EXPECT_EQ(run.lines[intro - 2].text, "voice use 0");
+  EXPECT_EQ(SimWorld::Read(save), game(0));
+}
+
+TEST(Files, SavedGamesThatCannotBeTrustedAreSetAside) {
+  const auto with = [](int line, const char* by) { return WithLine(kSaveExample, line, by); };
+  const auto two = [](int pup, int finAnn, const char* nfin) {
+    return WithLine(
+        SaveText(pup, 1,
+                 {{"Ann", finAnn, 0, 0, ExampleCells(50, 0)}, {"Bob", 0, 0, 0, ExampleCells(-1)}}),
+        3, nfin);
+  };
+  const struct {
+    const char* what;
+    std::string text;
+    bool bad;
+  } kCases[] = {
+      {"as written", kSaveExample, false},
+      {"two players, one finished", two(2, 1, " 1 "), false},
+      {"truncated", with(21, nullptr), true},
+      {"a line too many", kSaveExample + " -1 \r\n", true},
+      {"no players", with(0, " 0 "), true},
+      {"player up beyond the players", with(1, " 2 "), true},
+      {"four sheets", with(2, " 4 "), true},
+      {"the player up has finished", two(1, 1, " 1 "), true},
+      {"finished count off", two(2, 0, " 1 "), true},
+      {"all finished", with(3, " 1 "), true},
+      {"six ones from five dice", with(8, " 6 "), true},
+      {"twos of 3", with(9, " 3 "), true},
+      {"full house of 20", with(16, " 20 "), true},
+      {"extra row of 150", with(21, " 150 "), true},
+      {"below empty", with(10, "-2 "), true},
+      {"no number", with(11, "abc"), true},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    SimWorld world;
+    SimWorld::Write(world.Data() / "quorble.sav.bad", "older");
+    SimWorld::Write(world.Data() / "quorble.sav", c.text);
+    const SimRun run = world.Run("key n n\n");
+    ASSERT_EQ(run.status, 3) << run.Dump();
+    const int getting = run.Find(R"(speak " getting saved game ")");
+    if (!c.bad) {
+      EXPECT_NE(run.Find("player number ", getting), -1) << run.Dump();
+      EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.sav"), c.text);
+      continue;
+    }
+    EXPECT_TRUE(HeardFrom(run, getting,
+                          R"(!" getting saved game " | !" The saved game could not be read. A new )"
+                          R"(game begins. " | " Select which game you wish to play ")"));
+    EXPECT_FALSE(fs::exists(world.Data() / "quorble.sav"));
+    EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.sav.bad"), c.text);
+  }
+}
+
+TEST(Files, SaveThatCannotBeWrittenGoesBackToTheTurn) {
+  SimWorld world;
+  fs::create_directories(world.Data() / "quorble.sav");
+  const SimRun run = world.Run(NamedGame({"shift a n n"}) + "key s\n");
+  ASSERT_EQ(run.status, 3) << run.Dump();
+  EXPECT_TRUE(
+      HeardFrom(run, run.Find("key 83"),
+                R"(key 83 | "s" | " The game could not be saved. " | " Ann player number  1" | )"
+                R"(" Press R, to roll the dice ")"));
+}
+
+TEST(Files, ClosedWindowLosesNoGame) {
+  SimWorld world;
+  SimWorld::Write(world.Cwd() / "lobbyhub.exe", "");
+  const fs::path save = world.Data() / "quorble.sav", config = world.Data() / "quorble.cfg";
+  const auto silentEnd = [](const SimRun& run) {
+    const int close = run.Find("close");
+    EXPECT_EQ(run.status, 0) << run.Dump();
+    EXPECT_NE(close, -1);
+    EXPECT_EQ(run.Find("speak", close), -1) << run.Dump();
+    return close;
+  };
+  // Closed on the dice screen: the game as S would have saved it at this turn.
+  const SimRun turn = world.Run(kAnnRate + Turn("1 1 1 2 2", 1) + Turn("2 2 3 3 3", 9) +
+                                "dice 4 4 4 4 4\nkey r b enter\nclose\n");
+  silentEnd(turn);
+  EXPECT_EQ(turn.Find("launch"), -1);
+  EXPECT_EQ(SimWorld::Read(save), kSaveExample);
+  EXPECT_EQ(SimWorld::Read(config), " 0 \r\n-2 \r\n");
+
+  // Before the first turn nothing is written, and the saved game stays.
+  SimWorld::Write(config, " 1 \r\n 3 \r\n");
+  silentEnd(world.Run("close\n"));
+  EXPECT_EQ(SimWorld::Read(save), kSaveExample);
+  EXPECT_EQ(SimWorld::Read(config), " 1 \r\n 3 \r\n");
+  fs::remove(save);
+  fs::remove(config);
+  silentEnd(world.Run("key n n enter 1 y shift a\nclose\n"));
+  EXPECT_FALSE(fs::exists(save));
+  EXPECT_FALSE(fs::exists(config));
+
+  // At the end menu the game is over: it leaves as from the menu. A voice
+  // changed in the last turn is kept; a rate is not.
+  SimWorld::Write(save, SaveText(1, 1, {{"Ann", 0, 2, 1, ExampleCells(-1)}}));
+  std::string last = Turn("6 6 6 6 6", 13);
+  last.replace(last.find("r k"), 3, "r ctrl up enter f12 enter y k");
+  const SimRun end = world.Run("key n n\n" + last + "close\n");
+  const int close = silentEnd(end);
+  EXPECT_NE(end.Find("launch lobbyhub.exe", close), -1);
+  EXPECT_FALSE(fs::exists(save));
+  EXPECT_EQ(SimWorld::Read(config), " 0 \r\n 1 \r\n");
+  EXPECT_TRUE(fs::exists(world.Data() / "quorblelog.txt"));
+}
+
+}  // namespace
+}  // namespace quorble::test

@@ -1,0 +1,151 @@
+// Builders for whole games (forced dice and the keys that score them, saved
+// games as the game writes them) and a short way to write what is heard.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "sim_runner.h"
+
+namespace quorble::test {
+
+// A new game up to the first roll prompt; players named by typed keys such
+// as "shift a n n", voices kept.
+inline std::string NamedGame(const std::vector<std::string>& names,
+                             const std::string& variant = "") {
+  std::string keys = "key n n " + variant + " enter " + std::to_string(names.size()) + " y\n";
+  for (const auto& name : names) keys += "key " + name + " enter enter y\n";
+  return keys;
+}
+
+// One turn: the first roll shows `dice`, K keeps them, and the score goes to
+// `row` of `sheet`. Sheet 3 is reached by Left from sheet 1.
+inline std::string Turn(const std::string& dice, int row, int sheet = 1) {
+  std::string keys = "dice " + dice + "\nkey r k" +
+                     (sheet == 2   ? " right"
+                      : sheet == 3 ? " left"
+                                   : "");
+  for (int i = 1; i < row; ++i) keys += " down";
+  return keys + " enter enter\n";
+}
+
+// Dice worth 3, 6, 9, 12, 15, 18, 20, 22, 25, 30, 40, 21 and 50 on rows 1 to 13.
+inline const std::vector<std::string> kRowDice = {
+    "1 1 1 2 2", "2 2 2 1 1", "3 3 3 1 1", "4 4 4 1 1", "5 5 5 1 1", "6 6 6 1 1", "4 4 4 6 2",
+    "5 5 5 5 2", "2 2 3 3 3", "1 2 3 4 6", "1 2 3 4 5", "6 5 4 3 3", "6 6 6 6 6"};
+
+inline std::string FillSheet(int sheet = 1) {
+  std::string keys;
+  for (int row = 1; row <= 13; ++row) keys += Turn(kRowDice[row - 1], row, sheet);
+  return keys;
+}
+
+// Ann and Bob on two sheets. Ann scores row 14 of sheet 1 twice, so she
+// needs two turns more than Bob and plays them alone once he has finished.
+inline std::string TwoSheetRace() {
+  std::vector<std::string> ann, bob;
+  for (int s = 1; s <= 2; ++s) {
+    for (int row = 1; row <= 13; ++row) bob.push_back(Turn(kRowDice[row - 1], row, s));
+  }
+  ann = bob;
+  ann.insert(ann.begin() + 13, 2, Turn("6 6 6 6 6", 14));
+  std::string keys = NamedGame({"shift a n n", "shift b o b"}, "d");
+  for (size_t t = 0; t < ann.size(); ++t) keys += ann[t] + (t < bob.size() ? bob[t] : "");
+  return keys;
+}
+
+// The scores of kRowDice on rows 1 to 12, `quorble` on row 13, `extra` on 14.
+inline std::vector<int> ExampleCells(int quorble, int extra = -1) {
+  return {3, 6, 9, 12, 15, 18, 20, 22, 25, 30, 40, 21, quorble, extra};
+}
+
+struct SavedPlayer {
+  std::string name;
+  int fin = 0, pv = 0, pr = 0;
+  std::vector<int> cells;  // 14 for each sheet, sheet 1 first
+};
+
+inline std::string SaveText(int pup, int g2p, const std::vector<SavedPlayer>& players) {
+  auto line = [](int n) { return (n < 0 ? "" : " ") + std::to_string(n) + " \r\n"; };
+  int nfin = 0;
+  for (const auto& p : players) nfin += p.fin;
+  std::string text = line(static_cast<int>(players.size())) + line(pup) + line(g2p) + line(nfin);
+  for (const auto& p : players) {
+    text += p.name + "\r\n" + line(p.fin) + line(p.pv) + line(p.pr);
+    for (int cell : p.cells) text += line(cell);
+  }
+  return text;
+}
+
+inline std::string TimeMark(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "+%.3f ", seconds);
+  return text;
+}
+
+// What is heard, written as items split by " | ": "text" is queued speech,
+// !"text" speech that waits, DICE 1 2 - 4 5 the dice read out ("-" for a die
+// without a value, and the letters 0.2 s behind " dice "), anything else a
+// transcript event. An item may start with its time from the first line, as
+// in "+0.200 beep".
+inline std::vector<std::string> Expand(const std::string& items) {
+  std::vector<std::string> out;
+  for (size_t at = 0; at <= items.size();) {
+    size_t end = items.find(" | ", at);
+    if (end == std::string::npos) end = items.size();
+    std::string item = items.substr(at, end - at), time;
+    at = end + 3;
+    double seconds = -1;
+    if (item.starts_with("+")) {
+      seconds = std::stod(item.substr(1));
+      time = item.substr(0, item.find(' ') + 1);
+      item = item.substr(time.size());
+    }
+    if (item.starts_with("DICE")) {
+      out.push_back(time + "speak async \" dice \"");
+      const std::string letters = seconds < 0 ? "" : TimeMark(seconds + 0.2);
+      for (int i = 0; i < 5; ++i) {
+        out.push_back(letters + "speak async \" " + static_cast<char>('A' + i) + ". equals \"");
+        const char face = item[5 + 2 * i];
+        if (face != '-') out.push_back(letters + "speak async \" " + face + "\"");
+      }
+      continue;
+    }
+    if (item.starts_with("\"")) item = "speak async " + item;
+    if (item.starts_with("!\"")) item = "speak " + item.substr(1);
+    out.push_back(time + item);
+  }
+  return out;
+}
+
+// Whether what is heard from line `from` on (keys, speech, samples and
+// beeps) begins with `items`; with times when the first item has one.
+inline ::testing::AssertionResult HeardFrom(const SimRun& run, int from, const std::string& items) {
+  if (from < 0) return ::testing::AssertionFailure() << "no such line";
+  const auto want = Expand(items);
+  const bool timed = items.starts_with("+");
+  std::vector<std::string> got;
+  for (size_t i = from; i < run.lines.size() && got.size() < want.size(); ++i) {
+    const std::string& text = run.lines[i].text;
+    if (text.starts_with("key") || text == "beep" || text == "sound stop" ||
+        text.starts_with("sound open") || (text.starts_with("speak") && text != "speak purge")) {
+      got.push_back((timed ? TimeMark(run.lines[i].time - run.lines[from].time) : "") + text);
+    }
+  }
+  if (got == want) return ::testing::AssertionSuccess();
+  auto failure = ::testing::AssertionFailure() << "from line " << from << ", heard:";
+  for (const auto& line : got) failure << "\n  " << line;
+  return failure;
+}
+
+// The lines that hold `part`, counted from line `from`.
+inline int Count(const SimRun& run, const std::string& part, int from = 0) {
+  int n = 0;
+  for (int at = run.Find(part, from); at >= 0; at = run.Find(part, at + 1)) ++n;
+  return n;
+}
+
+}  // namespace quorble::test
