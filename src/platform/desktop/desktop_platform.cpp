@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <stdexcept>
 
@@ -29,10 +30,32 @@ constexpr SDL_EventType kIgnoredEvents[] = {
 };
 
 Window MakeWindow() {
+  // A black window needs no GPU: without this SDL would start a GL context
+  // (and on machines without one, a software renderer's threads) for it.
+  SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
   SDL_Window* window = SDL_CreateWindow("Quorble", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
                                         kWidth, kHeight, SDL_WINDOW_HIDDEN);
   if (window == nullptr) throw std::runtime_error(std::string("no window: ") + SDL_GetError());
   return Window(window);
+}
+
+// The game may break its lines with a carriage return alone.
+std::string WithNewlines(const std::string& text) {
+  std::string lines;
+  for (size_t at = 0; at < text.size(); ++at) {
+    if (text[at] != '\r') {
+      lines += text[at];
+      continue;
+    }
+    lines += '\n';
+    if (at + 1 < text.size() && text[at + 1] == '\n') ++at;
+  }
+  return lines;
+}
+
+bool Tracing() {
+  const char* trace = std::getenv("QUORBLE_TRACE");
+  return trace != nullptr && *trace != '\0' && *trace != '0';
 }
 
 std::tm LocalNow(std::chrono::system_clock::time_point now) {
@@ -45,14 +68,15 @@ std::tm LocalNow(std::chrono::system_clock::time_point now) {
 }  // namespace
 
 DesktopPlatform::DesktopPlatform()
-    : wakeEvent_(SDL_RegisterEvents(1)),
+    : trace_(Tracing()),
+      wakeEvent_(SDL_RegisterEvents(1)),
       window_(MakeWindow()),
       mixer_(std::make_shared<Mixer>([wake = wakeEvent_] {
         SDL_Event event{};
         event.type = wake;
         SDL_PushEvent(&event);
       })),
-      speech_(std::make_shared<SpeechEngine>(mixer_)) {
+      speech_(std::make_shared<SpeechEngine>(mixer_, trace_)) {
   for (SDL_EventType type : kIgnoredEvents) SDL_EventState(type, SDL_IGNORE);
   SDL_StopTextInput();
 }
@@ -74,8 +98,10 @@ void DesktopPlatform::Pump(WindowEvents& events) {
     if (event.type == SDL_KEYDOWN) {
       const SDL_Keysym& key = event.key.keysym;
       const int code = VirtualKeyCode(key.sym, key.scancode, (key.mod & KMOD_NUM) != 0);
+      if (trace_) std::fprintf(stderr, "key: %d\n", code);
       if (code != 0) events.Form_KeyDown(code);
     } else if (event.type == SDL_QUIT) {
+      if (trace_) std::fprintf(stderr, "close request\n");
       events.Form_CloseRequest();
     } else if (event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_EXPOSED) {
       PaintBlack();
@@ -97,9 +123,10 @@ void DesktopPlatform::WaitEvent(WaitFor /*what*/, double deadline) {
 }
 
 void DesktopPlatform::MessageBox(const std::string& text) {
-  if (SDL_ShowSimpleMessageBox(SDL_MESSAGEBOX_INFORMATION, "Quorble", text.c_str(),
+  const std::string lines = WithNewlines(text);
+  if (SDL_ShowSimpleMessageBox(SDL_MESSAGEBOX_INFORMATION, "Quorble", lines.c_str(),
                                window_.get()) != 0) {
-    std::fprintf(stderr, "%s\n", text.c_str());
+    std::fprintf(stderr, "%s\n", lines.c_str());
   }
 }
 

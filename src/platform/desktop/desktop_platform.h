@@ -1,6 +1,7 @@
 // The platform on a Linux desktop: an SDL2 window that takes the keys,
 // espeak-ng for speech and one SDL2 mixer for every sound. SDL's video and
-// events must be initialised before it is made.
+// events must be initialised before it is made. With QUORBLE_TRACE=1 in
+// the environment it writes each key and each text spoken to stderr.
 #pragma once
 
 #include <SDL.h>
@@ -56,6 +57,7 @@ class DesktopPlatform final : public Platform {
  private:
   void PaintBlack();
 
+  const bool trace_;  // keys and speech to stderr, for tests that can't listen
   const Uint32 wakeEvent_;
   Window window_;
   std::shared_ptr<Mixer> mixer_;

@@ -16,18 +16,27 @@ struct KeypadKey {
 };
 
 constexpr std::array kKeypad{
-    KeypadKey{SDL_SCANCODE_KP_0, 96, 45},      KeypadKey{SDL_SCANCODE_KP_1, 97, 35},
-    KeypadKey{SDL_SCANCODE_KP_2, 98, 40},      KeypadKey{SDL_SCANCODE_KP_3, 99, 34},
-    KeypadKey{SDL_SCANCODE_KP_4, 100, 37},     KeypadKey{SDL_SCANCODE_KP_5, 101, 12},
-    KeypadKey{SDL_SCANCODE_KP_6, 102, 39},     KeypadKey{SDL_SCANCODE_KP_7, 103, 36},
-    KeypadKey{SDL_SCANCODE_KP_8, 104, 38},     KeypadKey{SDL_SCANCODE_KP_9, 105, 33},
+    KeypadKey{SDL_SCANCODE_KP_0, 96, 45},       KeypadKey{SDL_SCANCODE_KP_1, 97, 35},
+    KeypadKey{SDL_SCANCODE_KP_2, 98, 40},       KeypadKey{SDL_SCANCODE_KP_3, 99, 34},
+    KeypadKey{SDL_SCANCODE_KP_4, 100, 37},      KeypadKey{SDL_SCANCODE_KP_5, 101, 12},
+    KeypadKey{SDL_SCANCODE_KP_6, 102, 39},      KeypadKey{SDL_SCANCODE_KP_7, 103, 36},
+    KeypadKey{SDL_SCANCODE_KP_8, 104, 38},      KeypadKey{SDL_SCANCODE_KP_9, 105, 33},
     KeypadKey{SDL_SCANCODE_KP_PERIOD, 110, 46},
 };
 
 // Punctuation by the character the layout gives.
 constexpr std::array<std::pair<char, int>, 11> kPunctuation{{
-    {';', 186}, {'=', 187}, {',', 188}, {'-', 189}, {'.', 190}, {'/', 191},
-    {'`', 192}, {'[', 219}, {'\\', 220}, {']', 221}, {'\'', 222},
+    {';', 186},
+    {'=', 187},
+    {',', 188},
+    {'-', 189},
+    {'.', 190},
+    {'/', 191},
+    {'`', 192},
+    {'[', 219},
+    {'\\', 220},
+    {']', 221},
+    {'\'', 222},
 }};
 
 // Keys known by their place: the punctuation here is the fallback for
@@ -119,8 +128,8 @@ int PlaceCode(SDL_Scancode scancode) {
 
 int VirtualKeyCode(SDL_Keycode sym, SDL_Scancode scancode, bool numLock) {
   // The order matters: a layout may put any character on the digit row.
-  for (int code : {KeypadCode(scancode, numLock), DigitRowCode(scancode),
-                   FunctionKeyCode(scancode), CharacterCode(sym)}) {
+  for (int code : {KeypadCode(scancode, numLock), DigitRowCode(scancode), FunctionKeyCode(scancode),
+                   CharacterCode(sym)}) {
     if (code != 0) return code;
   }
   return PlaceCode(scancode);

@@ -10,6 +10,7 @@ namespace quorble::desktop {
 namespace {
 
 constexpr int kSpeechRate = 22050;
+constexpr long kSpeechPaddingFrames = 512;
 constexpr auto kPeriod = std::chrono::microseconds(1'000'000LL * kPeriodFrames / kMixRate);
 constexpr auto kBeepGrace = std::chrono::milliseconds(200);
 
@@ -23,7 +24,8 @@ std::vector<float> MakeBeep() {
   for (int i = 0; i < kLength; ++i) {
     const double edge = std::min(1.0, std::min(i, kLength - 1 - i) / static_cast<double>(kFade));
     const double envelope = 0.5 - 0.5 * std::cos(std::numbers::pi * edge);
-    tone[i] = static_cast<float>(kLevel * envelope * std::sin(2 * std::numbers::pi * kHz * i / kMixRate));
+    tone[i] =
+        static_cast<float>(kLevel * envelope * std::sin(2 * std::numbers::pi * kHz * i / kMixRate));
   }
   return tone;
 }
@@ -85,6 +87,9 @@ void Mixer::EndSpeechText(uint64_t generation) {
   {
     std::lock_guard lock(mutex_);
     if (generation != speechGeneration_ || !speech_) return;
+    // Just the padding: speech ends in a pause of its own, so a little
+    // lost or a little added goes unheard.
+    PutSilence(speech_.get(), AUDIO_S16SYS, 1, kSpeechPaddingFrames);
     SDL_AudioStreamFlush(speech_.get());
   }
   KickClock();
@@ -199,8 +204,8 @@ void Mixer::MixBeep(float* mix, int frames) {
 }
 
 bool Mixer::SoundingLocked() const {
-  const bool samplePlaying =
-      std::any_of(voices_.begin(), voices_.end(), [](const auto& voice) { return voice->Playing(); });
+  const bool samplePlaying = std::any_of(voices_.begin(), voices_.end(),
+                                         [](const auto& voice) { return voice->Playing(); });
   return samplePlaying || BeepingLocked() || speechSounding_;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/desktop/sample_voice.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace quorble::desktop {
@@ -9,6 +10,9 @@ namespace {
 constexpr int kMinRate = 100;
 constexpr int kMaxRate = 200000;
 constexpr size_t kFeedFrames = 1024;
+// Enough silence after a sample's end to push all of it through the
+// resampler; what comes out beyond the sample is never mixed.
+constexpr long kTailPaddingFrames = 2048;
 
 int FrameBytes(const SDL_AudioSpec& format) {
   return std::max(1, SDL_AUDIO_BITSIZE(format.format) / 8 * std::max<int>(1, format.channels));
@@ -36,7 +40,7 @@ void SampleVoice::SetRate(int hz) {
   if (rate == rate_) return;
   rate_ = rate;
   stream_.reset();
-  flushed_ = false;
+  Restart();
 }
 
 void SampleVoice::SetGains(float left, float right) {
@@ -62,6 +66,7 @@ void SampleVoice::Stop() {
 
 void SampleVoice::Restart() {
   if (stream_) SDL_AudioStreamClear(stream_.get());
+  owedFrames_ = 0;
   flushed_ = false;
 }
 
@@ -76,7 +81,10 @@ bool SampleVoice::MixInto(float* mix, int frames, std::vector<float>& scratch) {
   Feed(wantedBytes);
   scratch.resize(static_cast<size_t>(frames) * kMixChannels);
   const int got = std::max(0, SDL_AudioStreamGet(stream_.get(), scratch.data(), wantedBytes));
-  for (int frame = 0; frame < got / kMixFrameBytes; ++frame) {
+  int audible = got / kMixFrameBytes;
+  if (!looping_) audible = std::min(audible, static_cast<int>(std::ceil(owedFrames_)));
+  owedFrames_ -= got / kMixFrameBytes;
+  for (int frame = 0; frame < audible; ++frame) {
     mix[2 * frame] += scratch[2 * frame] * left_;
     mix[2 * frame + 1] += scratch[2 * frame + 1] * right_;
   }
@@ -91,7 +99,11 @@ void SampleVoice::Feed(int wantedBytes) {
         position_ = 0;
         continue;
       }
-      if (!flushed_) SDL_AudioStreamFlush(stream);
+      if (!flushed_) {
+        const long factor = std::max(1, (rate_ + kMixRate - 1) / kMixRate);
+        PutSilence(stream, format_, channels_, kTailPaddingFrames * factor);
+        SDL_AudioStreamFlush(stream);
+      }
       flushed_ = true;
       return;
     }
@@ -102,11 +114,13 @@ void SampleVoice::Feed(int wantedBytes) {
       continue;
     }
     position_ += count;
+    owedFrames_ += static_cast<double>(count / frameBytes_) * kMixRate / rate_;
   }
 }
 
 bool SampleVoice::RanOut() {
-  if (looping_ || !flushed_ || SDL_AudioStreamAvailable(stream_.get()) > 0) return false;
+  const bool drained = owedFrames_ < 0.5 || SDL_AudioStreamAvailable(stream_.get()) == 0;
+  if (looping_ || !flushed_ || !drained) return false;
   playing_ = false;
   position_ = 0;  // so that a later Play sounds the whole sample again
   Restart();

@@ -46,6 +46,9 @@ class SampleVoice {
   bool playing_ = false;
   bool looping_ = false;
   bool flushed_ = false;
+  // Mixed frames still to come from the sample's own data, so that the
+  // silence padding its end is never mixed and the end comes on time.
+  double owedFrames_ = 0;
   float left_ = 1.0f;
   float right_ = 1.0f;
   AudioStream stream_;  // made again whenever the rate changes

@@ -4,6 +4,7 @@
 #include <SDL.h>
 
 #include <memory>
+#include <vector>
 
 namespace quorble::desktop {
 
@@ -59,8 +60,27 @@ inline constexpr int kPeriodFrames = 256;
 
 // A converter from `from` at `rate` into the mixing format; empty on failure.
 inline AudioStream NewStreamToMix(SDL_AudioFormat from, int channels, int rate) {
-  return AudioStream(
-      SDL_NewAudioStream(from, static_cast<Uint8>(channels), rate, kMixFormat, kMixChannels, kMixRate));
+  return AudioStream(SDL_NewAudioStream(from, static_cast<Uint8>(channels), rate, kMixFormat,
+                                        kMixChannels, kMixRate));
+}
+
+}  // namespace quorble::desktop
+
+namespace quorble::desktop {
+
+// SDL 2's flush keeps back part of the resampler's padding, up to the last
+// 512 frames put in or more, depending on how the data came: left alone it
+// would cut the end off samples and texts. Silence put in after the real
+// end lets it out.
+inline void PutSilence(SDL_AudioStream* stream, SDL_AudioFormat format, int channels, long frames) {
+  const int sampleBytes = SDL_AUDIO_BITSIZE(format) / 8;
+  std::vector<Uint8> silence(static_cast<size_t>(frames * channels * sampleBytes), 0);
+  if (!SDL_AUDIO_ISSIGNED(format) && !SDL_AUDIO_ISFLOAT(format)) {
+    // Unsigned samples rest at their midpoint: 0x80 in the most significant byte.
+    const size_t high = (sampleBytes == 1 || SDL_AUDIO_ISBIGENDIAN(format)) ? 0 : sampleBytes - 1;
+    for (size_t at = high; at < silence.size(); at += sampleBytes) silence[at] = 0x80;
+  }
+  SDL_AudioStreamPut(stream, silence.data(), static_cast<int>(silence.size()));
 }
 
 }  // namespace quorble::desktop

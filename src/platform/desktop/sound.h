@@ -23,7 +23,8 @@ class DesktopDirectSound8 final : public DirectSound8 {
  public:
   explicit DesktopDirectSound8(std::shared_ptr<Mixer> mixer) : mixer_(std::move(mixer)) {}
   void SetCooperativeLevel(int) override {}
-  std::unique_ptr<SoundBuffer> CreateSoundBufferFromFile(const std::string& path, int flags) override;
+  std::unique_ptr<SoundBuffer> CreateSoundBufferFromFile(const std::string& path,
+                                                         int flags) override;
 
  private:
   const std::shared_ptr<Mixer> mixer_;

@@ -6,6 +6,7 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 
 namespace quorble::desktop {
 namespace {
@@ -13,8 +14,8 @@ namespace {
 // Told apart by accent and by pitch, in a fixed order; the first is the
 // engine's own default.
 constexpr std::array kVoiceNames{
-    "en-us", "en-us+f3", "gmw/en", "gmw/en+f4", "en-gb-scotland", "en-029+f2", "en-gb-x-rp+m7",
-    "en-us-nyc+f5",
+    "en-us",          "en-us+f3",  "gmw/en",        "gmw/en+f4",
+    "en-gb-scotland", "en-029+f2", "en-gb-x-rp+m7", "en-us-nyc+f5",
 };
 
 constexpr int kNormalWordsPerMinute = 175;
@@ -46,11 +47,12 @@ int OnSynth(short* pcm, int count, espeak_EVENT* events) {
 
 int WordsPerMinute(int rate) {
   const double wordsPerMinute = kNormalWordsPerMinute * std::pow(3.0, rate / 10.0);
-  return static_cast<int>(
-      std::lround(std::clamp<double>(wordsPerMinute, kSlowestWordsPerMinute, kFastestWordsPerMinute)));
+  return static_cast<int>(std::lround(
+      std::clamp<double>(wordsPerMinute, kSlowestWordsPerMinute, kFastestWordsPerMinute)));
 }
 
-SpeechEngine::SpeechEngine(std::shared_ptr<Mixer> mixer) : mixer_(std::move(mixer)) {
+SpeechEngine::SpeechEngine(std::shared_ptr<Mixer> mixer, bool trace)
+    : mixer_(std::move(mixer)), trace_(trace) {
   mixer_->SetSpeechDrained([this] { NotifyChanged(); });
   worker_ = std::thread([this] { Run(); });
   std::unique_lock lock(mutex_);
@@ -72,6 +74,7 @@ SpeechEngine::~SpeechEngine() {
 }
 
 void SpeechEngine::Queue(Utterance utterance) {
+  if (trace_) std::fprintf(stderr, "speech: %s\n", utterance.text.c_str());
   if (VoiceCount() == 0) return;
   {
     std::lock_guard lock(mutex_);
@@ -118,24 +121,25 @@ void SpeechEngine::Run() {
     started_ = true;
   }
   changed_.notify_all();
-  std::unique_lock lock(mutex_);
-  while (true) {
-    work_.wait(lock, [this] { return stopping_ || !queue_.empty(); });
-    if (stopping_) break;
-    Utterance next = std::move(queue_.front());
-    queue_.pop_front();
-    synthesising_ = true;
-    const uint64_t generation = generation_;
-    lock.unlock();
-    if (ready) Say(next, generation);
-    lock.lock();
-    synthesising_ = false;
-    lock.unlock();
-    NotifyChanged();
-    lock.lock();
+  while (auto next = NextText()) {
+    if (ready) Say(next->first, next->second);
+    {
+      std::lock_guard lock(mutex_);
+      synthesising_ = false;
+    }
+    changed_.notify_all();
   }
-  lock.unlock();
   if (ready) espeak_Terminate();
+}
+
+std::optional<std::pair<Utterance, uint64_t>> SpeechEngine::NextText() {
+  std::unique_lock lock(mutex_);
+  work_.wait(lock, [this] { return stopping_ || !queue_.empty(); });
+  if (stopping_) return std::nullopt;
+  Utterance next = std::move(queue_.front());
+  queue_.pop_front();
+  synthesising_ = true;
+  return std::pair{std::move(next), generation_};
 }
 
 bool SpeechEngine::Start() {
@@ -152,7 +156,8 @@ bool SpeechEngine::Start() {
 
 void SpeechEngine::Say(const Utterance& utterance, uint64_t generation) {
   const std::string& voice = voices_[std::clamp<size_t>(utterance.voice, 0, voices_.size() - 1)];
-  if (voice != currentVoice_ && espeak_SetVoiceByName(voice.c_str()) == EE_OK) currentVoice_ = voice;
+  if (voice != currentVoice_ && espeak_SetVoiceByName(voice.c_str()) == EE_OK)
+    currentVoice_ = voice;
   espeak_SetParameter(espeakRATE, utterance.wordsPerMinute, 0);
   SynthJob job{*mixer_, generation, std::clamp(utterance.volume, 0, 100) / 100.0f, {}};
   espeak_Synth(utterance.text.c_str(), utterance.text.size() + 1, 0, POS_CHARACTER, 0,

@@ -8,8 +8,10 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "platform/desktop/mixer.h"
@@ -30,7 +32,8 @@ struct Utterance {
 
 class SpeechEngine {
  public:
-  explicit SpeechEngine(std::shared_ptr<Mixer> mixer);
+  // With `trace`, each text queued is written to stderr.
+  SpeechEngine(std::shared_ptr<Mixer> mixer, bool trace);
   ~SpeechEngine();
   SpeechEngine(const SpeechEngine&) = delete;
   SpeechEngine& operator=(const SpeechEngine&) = delete;
@@ -46,12 +49,15 @@ class SpeechEngine {
 
  private:
   void Run();
+  // The next text to say with its generation; none once stopping.
+  std::optional<std::pair<Utterance, uint64_t>> NextText();
   bool Start();
   void Say(const Utterance& utterance, uint64_t generation);
   bool SpeakingLocked();
   void NotifyChanged();
 
   const std::shared_ptr<Mixer> mixer_;
+  const bool trace_;
   std::vector<std::string> voices_;  // written by the worker before the constructor returns
   std::string currentVoice_;         // the worker's own
 
