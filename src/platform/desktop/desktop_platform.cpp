@@ -1,7 +1,6 @@
 #include "platform/desktop/desktop_platform.h"
 
 #include <algorithm>
-#include <bit>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -151,13 +150,9 @@ Date DesktopPlatform::Today() {
   return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday};
 }
 
-void DesktopPlatform::Randomize(double seed) {
-  const auto bits = std::bit_cast<uint64_t>(seed);
-  std::seed_seq sequence{static_cast<uint32_t>(bits), static_cast<uint32_t>(bits >> 32)};
-  random_.seed(sequence);
-}
+void DesktopPlatform::Randomize(double seed) { random_.Seed(seed); }
 
-float DesktopPlatform::Rnd() { return static_cast<float>(random_() >> 8) * 0x1p-24f; }
+float DesktopPlatform::Rnd() { return random_.Next(); }
 
 std::unique_ptr<SpeechVoice> DesktopPlatform::NewSpVoice() {
   return std::make_unique<EspeakVoice>(speech_);
@@ -170,24 +165,6 @@ std::unique_ptr<DirectX8> DesktopPlatform::NewDirectX8() {
 std::string DesktopPlatform::DocumentsFolder() { return UserDocumentsFolder(); }
 std::string DesktopPlatform::CurrentDirectory() { return disk::CurrentDirectory(); }
 std::string DesktopPlatform::ProgramFolder() { return disk::ExecutableFolder(); }
-
-std::string DesktopPlatform::FindName(const std::string& path, bool directories) {
-  return disk::FindName(path, directories);
-}
-bool DesktopPlatform::MakeDirectory(const std::string& path) { return disk::MakeDirectory(path); }
-bool DesktopPlatform::DeleteFile(const std::string& path) { return disk::DeleteFile(path); }
-bool DesktopPlatform::RenameFile(const std::string& from, const std::string& to) {
-  return disk::RenameFile(from, to);
-}
-std::optional<std::string> DesktopPlatform::ReadFile(const std::string& path) {
-  return disk::ReadFile(path);
-}
-bool DesktopPlatform::WriteFile(const std::string& path, const std::string& bytes) {
-  return disk::WriteFile(path, bytes);
-}
-bool DesktopPlatform::AppendFile(const std::string& path, const std::string& bytes) {
-  return disk::AppendFile(path, bytes);
-}
 
 void DesktopPlatform::Launch(const std::string& path, int /*windowStyle*/) { LaunchDetached(path); }
 

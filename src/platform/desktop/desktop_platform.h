@@ -7,9 +7,10 @@
 #include <SDL.h>
 
 #include <memory>
-#include <random>
 #include <string>
 
+#include "platform/common/disk_platform.h"
+#include "platform/common/rng.h"
 #include "platform/desktop/mixer.h"
 #include "platform/desktop/sdl_handles.h"
 #include "platform/desktop/speech_espeak.h"
@@ -17,7 +18,7 @@
 
 namespace quorble::desktop {
 
-class DesktopPlatform final : public Platform {
+class DesktopPlatform final : public DiskPlatform {
  public:
   DesktopPlatform();  // throws std::runtime_error when no window can be made
   ~DesktopPlatform() override;
@@ -42,13 +43,6 @@ class DesktopPlatform final : public Platform {
   std::string DocumentsFolder() override;
   std::string CurrentDirectory() override;
   std::string ProgramFolder() override;
-  std::string FindName(const std::string& path, bool directories) override;
-  bool MakeDirectory(const std::string& path) override;
-  bool DeleteFile(const std::string& path) override;
-  bool RenameFile(const std::string& from, const std::string& to) override;
-  std::optional<std::string> ReadFile(const std::string& path) override;
-  bool WriteFile(const std::string& path, const std::string& bytes) override;
-  bool AppendFile(const std::string& path, const std::string& bytes) override;
   void Launch(const std::string& path, int windowStyle) override;
 
   // For measurements of the sound path.
@@ -62,7 +56,7 @@ class DesktopPlatform final : public Platform {
   Window window_;
   std::shared_ptr<Mixer> mixer_;
   std::shared_ptr<SpeechEngine> speech_;
-  std::mt19937 random_;
+  Rng random_;
 };
 
 }  // namespace quorble::desktop

@@ -303,22 +303,6 @@ std::unique_ptr<SpeechVoice> SimPlatform::NewSpVoice() { return std::make_unique
 
 std::unique_ptr<DirectX8> SimPlatform::NewDirectX8() { return std::make_unique<SimDirectX>(*this); }
 
-std::string SimPlatform::FindName(const std::string& path, bool directories) {
-  return disk::FindName(path, directories);
-}
-bool SimPlatform::MakeDirectory(const std::string& path) { return disk::MakeDirectory(path); }
-bool SimPlatform::DeleteFile(const std::string& path) { return disk::DeleteFile(path); }
-bool SimPlatform::RenameFile(const std::string& from, const std::string& to) {
-  return disk::RenameFile(from, to);
-}
-std::optional<std::string> SimPlatform::ReadFile(const std::string& path) { return disk::ReadFile(path); }
-bool SimPlatform::WriteFile(const std::string& path, const std::string& bytes) {
-  return disk::WriteFile(path, bytes);
-}
-bool SimPlatform::AppendFile(const std::string& path, const std::string& bytes) {
-  return disk::AppendFile(path, bytes);
-}
-
 void SimPlatform::Launch(const std::string& path, int) { Record("launch " + BareName(path)); }
 
 }  // namespace quorble::sim

@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "platform/common/disk_platform.h"
 #include "platform/common/rng.h"
 #include "platform/platform.h"
 #include "platform/sim/script.h"
@@ -28,7 +29,7 @@ struct Folders {
 
 class SimBuffer;
 
-class SimPlatform : public Platform {
+class SimPlatform : public DiskPlatform {
  public:
   SimPlatform(Script script, Folders folders, std::ostream& transcript);
 
@@ -61,13 +62,6 @@ class SimPlatform : public Platform {
   std::string DocumentsFolder() override { return folders_.docs; }
   std::string CurrentDirectory() override { return folders_.cwd; }
   std::string ProgramFolder() override { return folders_.samples; }
-  std::string FindName(const std::string& path, bool directories) override;
-  bool MakeDirectory(const std::string& path) override;
-  bool DeleteFile(const std::string& path) override;
-  bool RenameFile(const std::string& from, const std::string& to) override;
-  std::optional<std::string> ReadFile(const std::string& path) override;
-  bool WriteFile(const std::string& path, const std::string& bytes) override;
-  bool AppendFile(const std::string& path, const std::string& bytes) override;
   void Launch(const std::string& path, int windowStyle) override;
 
  private:
