@@ -20,18 +20,17 @@ Exit Form1::gameOver() {
   At at = At::Reading;
   for (;;) {
     switch (at) {
-      case At::Reading:
-        at = !finalReading() ? At::Menu : nop == 1 ? At::Pause : At::Winner;
-        break;
+      case At::Reading: at = !finalReading() ? At::Menu : nop == 1 ? At::Pause : At::Winner; break;
       case At::Winner: at = winnerPart() ? At::Pause : At::Menu; break;
       case At::Pause:
         dy3(3);
         at = At::Menu;
         break;
       case At::Menu:
-        say2(" press f1 to repeat score.  "
-             " f2 to repeat entire scoring.  "
-             " Or, M key to review score board. ");
+        say2(
+            " press f1 to repeat score.  "
+            " f2 to repeat entire scoring.  "
+            " Or, M key to review score board. ");
         getkey();
         if (g != "112" && g != "113" && g2 != "m") return Exit::GameOver;
         at = g == "112" ? At::Winner : g == "113" ? At::Reading : At::Review;
@@ -82,15 +81,16 @@ bool Form1::finalReading() {
       dy(0.2);
       msg = " top score ";
       if (g2p >= 2) msg += " sheet " + nt(s);
-      for (const std::string& line : {msg, " " + nt(sums.top) + " points ",
-                                      " bonus " + nt(sums.bonus) + " points ",
-                                      std::string(" bottom score "), nt(sums.bottom)}) {
+      for (const std::string& line :
+           {msg, " " + nt(sums.top) + " points ", " bonus " + nt(sums.bonus) + " points ",
+            std::string(" bottom score "), nt(sums.bottom)}) {
         if (keyTest()) return false;
         say2(line);
       }
       dy(0.3);
       if (g2p != 1) {
-        for (const std::string& line : {" total score sheet " + nt(s), nt(sums.total) + " points "}) {
+        for (const std::string& line :
+             {" total score sheet " + nt(s), nt(sums.total) + " points "}) {
           if (keyTest()) return false;
           say2(line);
         }
@@ -118,7 +118,8 @@ bool Form1::winnerPart() {
   for (int p = 1; p <= nop; ++p) {
     pup = p;
     setvoice();
-    for (const std::string& line : {" " + names[p] + " player number " + nt(p), nt(tot[p]) + " points "}) {
+    for (const std::string& line :
+         {" " + names[p] + " player number " + nt(p), nt(tot[p]) + " points "}) {
       if (keyTest()) return false;
       say2(line);
     }

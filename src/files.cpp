@@ -148,7 +148,9 @@ void Form1::readConfig(const std::string& path) {
   if (nv < 0 || nv > nov) nv = 0;
 }
 
-void Form1::writeConfig() { plat.WriteFile(join("quorble.cfg"), NumberLine(pv[1]) + NumberLine(pr[1])); }
+void Form1::writeConfig() {
+  plat.WriteFile(join("quorble.cfg"), NumberLine(pv[1]) + NumberLine(pr[1]));
+}
 
 bool Form1::writeSave() {
   std::string text = NumberLine(nop) + NumberLine(pup) + NumberLine(g2p) + NumberLine(nfin);

@@ -4,7 +4,9 @@
 namespace quorble {
 namespace {
 
-std::string LetterPhrase(int die) { return std::string(" ") + static_cast<char>('A' + die - 1) + ". equals "; }
+std::string LetterPhrase(int die) {
+  return std::string(" ") + static_cast<char>('A' + die - 1) + ". equals ";
+}
 
 }  // namespace
 
@@ -83,10 +85,12 @@ void Form1::seldice() {
         for (int i = 1; i <= kDice; ++i) dye[i] = dyecopy[i];
         break;
       }
-      say2(" Use the arrow keys or press the letter of the die "
-           " you wish to reroll. "
-           " Then press enter or space bar to select that die. ");
-      say2(" Press the R key to roll the die after selecting all of them that you wish to reroll. ");
+      say2(
+          " Use the arrow keys or press the letter of the die "
+          " you wish to reroll. "
+          " Then press enter or space bar to select that die. ");
+      say2(
+          " Press the R key to roll the die after selecting all of them that you wish to reroll. ");
       say2(" press the s key to respeak all dice. ");
       say2(" press the K key to keep die as they are ");
       say2(" Press the M key to switch mode to review the score board. ");
@@ -177,8 +181,9 @@ void Form1::scoring() {
     }
     step = MoveOnBoard(g, g2p, p1, p2);
     if (step == 0) {
-      say2(" Use the arrow keys to move through the score board. "
-           " Then press the enter key or space bar. ");
+      say2(
+          " Use the arrow keys to move through the score board. "
+          " Then press the enter key or space bar. ");
       say2(" Press the M key to review your dice. ");
       step = 3;
     }

@@ -12,7 +12,8 @@ class Rng {
  public:
   void Seed(double seed) {
     const auto bits = std::bit_cast<std::uint64_t>(seed);
-    std::seed_seq sequence{static_cast<std::uint32_t>(bits), static_cast<std::uint32_t>(bits >> 32)};
+    std::seed_seq sequence{static_cast<std::uint32_t>(bits),
+                           static_cast<std::uint32_t>(bits >> 32)};
     generator_.seed(sequence);
   }
 

@@ -17,13 +17,13 @@ std::string Lower(std::string text) {
 
 const std::map<std::string, int>& NamedKeys() {
   static const std::map<std::string, int> keys = {
-      {"backspace", 8}, {"tab", 9},         {"enter", 13},     {"shift", 16},    {"ctrl", 17},
-      {"alt", 18},      {"pause", 19},      {"capslock", 20},  {"esc", 27},      {"space", 32},
-      {"pageup", 33},   {"pagedown", 34},   {"end", 35},       {"home", 36},     {"left", 37},
-      {"up", 38},       {"right", 39},      {"down", 40},      {"insert", 45},   {"delete", 46},
-      {"kpmul", 106},   {"kpplus", 107},    {"kpminus", 109},  {"kpdot", 110},   {"kpdiv", 111},
-      {"semicolon", 186}, {"equals", 187},  {"comma", 188},    {"minus", 189},   {"period", 190},
-      {"slash", 191},   {"grave", 192},
+      {"backspace", 8},   {"tab", 9},       {"enter", 13},    {"shift", 16},  {"ctrl", 17},
+      {"alt", 18},        {"pause", 19},    {"capslock", 20}, {"esc", 27},    {"space", 32},
+      {"pageup", 33},     {"pagedown", 34}, {"end", 35},      {"home", 36},   {"left", 37},
+      {"up", 38},         {"right", 39},    {"down", 40},     {"insert", 45}, {"delete", 46},
+      {"kpmul", 106},     {"kpplus", 107},  {"kpminus", 109}, {"kpdot", 110}, {"kpdiv", 111},
+      {"semicolon", 186}, {"equals", 187},  {"comma", 188},   {"minus", 189}, {"period", 190},
+      {"slash", 191},     {"grave", 192},
   };
   return keys;
 }
@@ -67,7 +67,8 @@ class Parser {
 
  private:
   void BeforeFirstKey(const char* what) const {
-    if (!script_.presses.empty()) throw std::runtime_error(std::string(what) + " only before the first key");
+    if (!script_.presses.empty())
+      throw std::runtime_error(std::string(what) + " only before the first key");
   }
 
   void Voices(const std::vector<std::string>& args) {
@@ -93,7 +94,8 @@ class Parser {
     BeforeFirstKey("clock");
     int h = 0, m = 0, s = 0;
     if (args.size() != 1 || args[0].size() != 8 || args[0][2] != ':' || args[0][5] != ':' ||
-        !ParseWhole(args[0].substr(0, 2), 0, 23, h) || !ParseWhole(args[0].substr(3, 2), 0, 59, m) ||
+        !ParseWhole(args[0].substr(0, 2), 0, 23, h) ||
+        !ParseWhole(args[0].substr(3, 2), 0, 59, m) ||
         !ParseWhole(args[0].substr(6, 2), 0, 59, s)) {
       throw std::runtime_error("clock takes HH:MM:SS");
     }
@@ -121,7 +123,8 @@ class Parser {
   }
 
   void After(const std::vector<std::string>& args) {
-    if (args.size() != 3 || Lower(args[1]) != "key") throw std::runtime_error("after takes S key K");
+    if (args.size() != 3 || Lower(args[1]) != "key")
+      throw std::runtime_error("after takes S key K");
     char* end = nullptr;
     const double seconds = std::strtod(args[0].c_str(), &end);
     if (end != args[0].c_str() + args[0].size() || !(seconds >= 0) || seconds > 1e6) {

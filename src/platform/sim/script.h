@@ -11,8 +11,8 @@
 namespace quorble::sim {
 
 struct Press {
-  bool close = false;    // a close request rather than a key
-  bool after = false;    // pressed `delay` seconds after the previous press
+  bool close = false;  // a close request rather than a key
+  bool after = false;  // pressed `delay` seconds after the previous press
   double delay = 0;
   int code = 0;
 };

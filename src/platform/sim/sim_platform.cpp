@@ -24,7 +24,8 @@ std::string BareName(const std::string& path) {
 
 std::uint32_t Le(const std::string& bytes, size_t at, int width) {
   std::uint32_t value = 0;
-  for (int i = width - 1; i >= 0; --i) value = (value << 8) | static_cast<unsigned char>(bytes[at + i]);
+  for (int i = width - 1; i >= 0; --i)
+    value = (value << 8) | static_cast<unsigned char>(bytes[at + i]);
   return value;
 }
 
@@ -113,12 +114,15 @@ class SimBuffer : public SoundBuffer {
     looping_ = flags == DSBPLAY_LOOPING;
     p_.Record(looping_ ? "sound loop" : "sound play");
     const std::int64_t bytes = std::max<std::int64_t>(0, facts_.dataBytes - position_);
-    const double seconds = frequency_ > 0 ? double(bytes) / (double(frequency_) * facts_.blockAlign) : 0;
+    const double seconds =
+        frequency_ > 0 ? double(bytes) / (double(frequency_) * facts_.blockAlign) : 0;
     end_ = p_.Now() + std::llround(seconds * 1e6);
     playing_ = true;
     if (!looping_) p_.Playing(this);
   }
-  int GetStatus() override { return playing_ && (looping_ || p_.Now() < end_) ? DSBSTATUS_PLAYING : 0; }
+  int GetStatus() override {
+    return playing_ && (looping_ || p_.Now() < end_) ? DSBSTATUS_PLAYING : 0;
+  }
   void Stop() override {
     playing_ = false;
     p_.Released(this);
@@ -153,7 +157,9 @@ class SimSound : public DirectSound8 {
 class SimDirectX : public DirectX8 {
  public:
   explicit SimDirectX(SimPlatform& platform) : p_(platform) {}
-  std::unique_ptr<DirectSound8> DirectSoundCreate() override { return std::make_unique<SimSound>(p_); }
+  std::unique_ptr<DirectSound8> DirectSoundCreate() override {
+    return std::make_unique<SimSound>(p_);
+  }
 
  private:
   SimPlatform& p_;
@@ -290,7 +296,9 @@ void SimPlatform::Beep() { Record("beep"); }
 
 double SimPlatform::Monotonic() { return double(now_) / 1e6; }
 
-double SimPlatform::Timer() { return std::fmod(script_.clockSeconds + double(now_) / 1e6, 86400.0); }
+double SimPlatform::Timer() {
+  return std::fmod(script_.clockSeconds + double(now_) / 1e6, 86400.0);
+}
 
 float SimPlatform::Rnd() {
   if (script_.dice.empty()) return rng_.Next();

@@ -22,7 +22,7 @@ struct Stuck : std::runtime_error {
 };
 
 struct Folders {
-  std::string docs;     // empty: the user has no documents folder
+  std::string docs;  // empty: the user has no documents folder
   std::string cwd;
   std::string samples;
 };
@@ -81,8 +81,8 @@ class SimPlatform : public DiskPlatform {
   std::int64_t now_ = 0;        // microseconds since the start
   std::int64_t speechEnd_ = 0;  // when all queued speech has been heard
   std::int64_t lastPress_ = 0;
-  size_t next_ = 0;             // the next press of the script
-  std::deque<Event> window_;    // pressed, not yet delivered by a pump
+  size_t next_ = 0;           // the next press of the script
+  std::deque<Event> window_;  // pressed, not yet delivered by a pump
   const SimBuffer* playing_ = nullptr;
   bool stuck_ = false;
   Rng rng_;
