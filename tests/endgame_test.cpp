@@ -2,8 +2,6 @@
 // board review, each started from a saved game one turn before its end.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "game_script.h"
 
 namespace quorble::test {
@@ -90,21 +88,19 @@ TEST(EndOfGame, MenuRepeatsAndReviewsBoards) {
                 R"(key 50 | "Bob player number  2" | " score " | " sheet " | "kwor-bul " | )"
                 R"(" 0points " | key 40 | " extra kwor-bul " | " 0points " | key 27 | )" +
                     kMenu + R"( | key 27 | !" thank you for playing Kwor-bul, By Tavi Orlund ")"));
-  EXPECT_FALSE(std::filesystem::exists(world.Data() / "quorble.sav"))
-      << "a finished game is not kept";
+  EXPECT_FALSE(fs::exists(world.Data() / "quorble.sav")) << "a finished game is not kept";
 }
 
+// Cy's last turn takes him to 306; Ann and Bob have 306 with a quorble and
+// 256 without.
 TEST(EndOfGame, FirstOfTheHighestWins) {
   const struct {
-    int annQuorble, bobQuorble;
-    const char* cyDice;
-    int winner;
+    int annQuorble, bobQuorble, winner;
     const char* name;
   } kCases[] = {
-      {0, 50, "6 6 6 6 6", 2, "Bob"},
-      {50, 50, "6 6 6 6 6", 1, "Ann"},
-      {0, 0, "6 6 6 6 6", 3, "Cy"},
-      {50, 0, "1 2 3 4 5", 1, "Ann"},
+      {0, 50, 2, "Bob"},
+      {50, 50, 1, "Ann"},
+      {0, 0, 3, "Cy"},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.winner);
@@ -115,7 +111,7 @@ TEST(EndOfGame, FirstOfTheHighestWins) {
                              {{"Ann", 1, 0, 0, ExampleCells(c.annQuorble, 0)},
                               {"Bob", 1, 1, 0, ExampleCells(c.bobQuorble, 0)},
                               {"Cy", 0, 2, 0, ExampleCells(-1)}}));
-    const SimRun run = world.Run("key n n\n" + Turn(c.cyDice, 13) + "key esc\n");
+    const SimRun run = world.Run("key n n\n" + Turn("6 6 6 6 6", 13) + "key esc\n");
     ASSERT_EQ(run.status, 0) << run.Dump();
     const std::string line = std::string(c.name) + "! with  306 points";
     const int said =
@@ -145,7 +141,6 @@ TEST(EndOfGame, OnePlayerHearsNoWinnerUntilF1) {
                         R"(key 112 | " scores " | " Ann player number  1" | " 306 points " | )"
                         R"(" The winner! is!  Player number  1" | " Ann! with  306 points" | )" +
                             kMenu));
-  EXPECT_EQ(WinnerLines(world), 1);
 }
 
 }  // namespace

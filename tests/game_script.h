@@ -1,20 +1,174 @@
-// Builders for whole games (forced dice and the keys that score them, saved
-// games as the game writes them) and a short way to write what is heard.
+// Scenario tests' tools: quorble-sim run on a script in a fresh folder of
+// its own, its transcript in the pieces tests look at, builders for whole
+// games (forced dice and the keys that score them, saved games as the game
+// writes them), and a short way to write what is heard.
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "sim_runner.h"
-
 namespace quorble::test {
 
-// A new game up to the first roll prompt; players named by typed keys such
-// as "shift a n n", voices kept.
-inline std::string NamedGame(const std::vector<std::string>& names,
+namespace fs = std::filesystem;
+
+using Texts = std::vector<std::string>;
+
+// Texts joined by " | ".
+inline std::string Chain(const Texts& texts) {
+  std::string chain;
+  for (const auto& text : texts) chain += (chain.empty() ? "" : " | ") + text;
+  return chain;
+}
+
+// Groups of texts one after the other.
+inline Texts Flat(const std::vector<Texts>& groups) {
+  Texts flat;
+  for (const auto& group : groups) flat.insert(flat.end(), group.begin(), group.end());
+  return flat;
+}
+
+// The text between the quotes of a transcript line, unescaped.
+inline std::string Unquote(const std::string& line) {
+  const auto open = line.find('"');
+  if (open == std::string::npos) return {};
+  std::string text;
+  for (size_t i = open + 1; i < line.size() && line[i] != '"'; ++i) {
+    if (line[i] != '\\') {
+      text += line[i];
+    } else if (line[i + 1] == 'x') {
+      text += static_cast<char>(std::stoi(line.substr(i + 2, 2), nullptr, 16));
+      i += 3;
+    } else {
+      text += line[++i];
+    }
+  }
+  return text;
+}
+
+struct SimRun {
+  struct Line {
+    double time;
+    std::string text;  // the whole line without its time
+  };
+  int status = -1;
+  std::vector<Line> lines;
+  std::string stderrText;
+
+  // The texts spoken, synchronous and queued alike, in order; with `first`,
+  // from the first text equal to it on.
+  Texts Spoken(const std::string& first = "") const {
+    Texts spoken;
+    for (const auto& line : lines) {
+      if (!line.text.starts_with("speak ") || line.text == "speak purge") continue;
+      const std::string text = Unquote(line.text);
+      if (!spoken.empty() || first.empty() || text == first) spoken.push_back(text);
+    }
+    return spoken;
+  }
+
+  // Every line without its time, in order.
+  Texts Events() const {
+    Texts events;
+    for (const auto& line : lines) events.push_back(line.text);
+    return events;
+  }
+
+  // Index of the first line at or after `from` whose text contains `part`;
+  // -1 when there is none.
+  int Find(const std::string& part, int from = 0) const {
+    for (int i = std::max(from, 0); i < static_cast<int>(lines.size()); ++i) {
+      if (lines[i].text.find(part) != std::string::npos) return i;
+    }
+    return -1;
+  }
+
+  // The lines from the first that contains `from` up to the next that
+  // contains `to`, joined by " | "; empty when either is missing.
+  std::string Between(const std::string& from, const std::string& to) const {
+    const int begin = Find(from), end = Find(to, begin + 1);
+    if (begin < 0 || end < 0) return {};
+    const Texts all = Events();
+    return Chain(Texts(all.begin() + begin, all.begin() + end));
+  }
+
+  std::string Dump() const {
+    std::ostringstream out;
+    out << "status " << status << "\n";
+    for (const auto& line : lines) out << line.time << " " << line.text << "\n";
+    return out.str() + stderrText;
+  }
+};
+
+// A temporary home for one test: docs/ is the documents folder and cwd/
+// the current folder. Removed at the end of the test.
+class SimWorld {
+ public:
+  SimWorld() {
+    std::string pattern = (fs::temp_directory_path() / "quorble-test-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
+    root_ = pattern;
+    fs::create_directories(root_ / "docs");
+    fs::create_directories(Cwd());
+  }
+  ~SimWorld() {
+    std::error_code ec;
+    fs::remove_all(root_, ec);
+  }
+  SimWorld(const SimWorld&) = delete;
+  SimWorld& operator=(const SimWorld&) = delete;
+
+  fs::path Data() const { return root_ / "docs" / "brindlesoft"; }
+  fs::path Cwd() const { return root_ / "cwd"; }
+
+  static std::string Read(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return content.str();
+  }
+
+  static void Write(const fs::path& path, const std::string& bytes) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << bytes;
+  }
+
+  SimRun Run(const std::string& script) const {
+    Write(root_ / "script", script);
+    const auto quoted = [](const fs::path& path) { return " '" + path.string() + "'"; };
+    const std::string command = std::string(QUORBLE_SIM) + " --samples" + quoted(QUORBLE_SAMPLES) +
+                                " --cwd" + quoted(Cwd()) + " --docs" + quoted(root_ / "docs") +
+                                quoted(root_ / "script") + " >" + quoted(root_ / "out") + " 2>" +
+                                quoted(root_ / "err");
+    SimRun run;
+    const int raw = std::system(command.c_str());
+    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    run.stderrText = Read(root_ / "err");
+    std::istringstream transcript(Read(root_ / "out"));
+    for (std::string text; std::getline(transcript, text);) {
+      const auto blank = text.find(' ');
+      run.lines.push_back({std::stod(text.substr(0, blank)), text.substr(blank + 1)});
+    }
+    return run;
+  }
+
+ private:
+  fs::path root_;
+};
+
+// A new game up to the first roll prompt, instructions declined, players
+// named by typed keys such as "shift a n n" (by default one without a
+// name), voices kept.
+inline std::string NamedGame(const std::vector<std::string>& names = {""},
                              const std::string& variant = "") {
   std::string keys = "key n n " + variant + " enter " + std::to_string(names.size()) + " y\n";
   for (const auto& name : names) keys += "key " + name + " enter enter y\n";
@@ -24,10 +178,8 @@ inline std::string NamedGame(const std::vector<std::string>& names,
 // One turn: the first roll shows `dice`, K keeps them, and the score goes to
 // `row` of `sheet`. Sheet 3 is reached by Left from sheet 1.
 inline std::string Turn(const std::string& dice, int row, int sheet = 1) {
-  std::string keys = "dice " + dice + "\nkey r k" +
-                     (sheet == 2   ? " right"
-                      : sheet == 3 ? " left"
-                                   : "");
+  const char* const toSheet[] = {"", "", " right", " left"};
+  std::string keys = "dice " + dice + "\nkey r k" + toSheet[sheet];
   for (int i = 1; i < row; ++i) keys += " down";
   return keys + " enter enter\n";
 }
