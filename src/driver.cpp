@@ -197,7 +197,7 @@ bool Form1::leavingPrompt() {
 
 // Writes the saved game for S; a save that fails is said and play goes on.
 bool Form1::saveGame() {
-  fpath = join("quorble.sav");
+  fpath = savePath();
   if (writeSave()) return true;
   say2(" The game could not be saved. ");
   return false;
@@ -230,7 +230,7 @@ void Form1::tail(Exit way) {
 // the way out the files are already settled.
 void Form1::closeTail() {
   if (phase == Phase::Turns) {
-    fpath = join("quorble.sav");
+    fpath = savePath();
     writeSave();
     writeConfig();
   } else if (phase == Phase::EndOfGame) {
@@ -249,6 +249,13 @@ void Form1::deleteSave() {
   fpath = join("quorble.sav");
   const std::string found = plat.FindName(fpath, false);
   if (!found.empty()) plat.DeleteFile(join(found));
+}
+
+// A saved game already on disk under another case is written over, so that
+// no stale copy can be taken up once this one is deleted.
+std::string Form1::savePath() {
+  const std::string found = locate(join("quorble.sav"));
+  return found.empty() ? join("quorble.sav") : found;
 }
 
 void Form1::releaseSound() {

@@ -178,6 +178,7 @@ class Form1 : public GameState, private WindowEvents {
   void tail(Exit way);
   void closeTail();
   void deleteSave();
+  std::string savePath();
   void releaseSound();
   Exit gameOver();
   bool finalReading();

@@ -1,5 +1,6 @@
 #include "platform/sim/sim_platform.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -196,7 +197,8 @@ std::string SimPlatform::Quote(const std::string& text) {
 }
 
 void SimPlatform::Enqueue(const std::string& text, int rate) {
-  const double seconds = 0.06 * double(text.size()) * std::pow(3.0, -rate / 10.0);
+  // A rate far below any a voice can take would make the time endless.
+  const double seconds = std::min(0.06 * double(text.size()) * std::pow(3.0, -rate / 10.0), 1e9);
   speechEnd_ = std::max(speechEnd_, now_) + std::llround(seconds * 1e6);
 }
 
