@@ -210,10 +210,10 @@ void Form1::tail(Exit way) {
   if (way != Exit::Save && way != Exit::NoVoices) deleteSave();
   if (way != Exit::NoVoices) writeConfig();
   releaseSound();
-  const std::string launcher = plat.FindName(plat.CurrentDirectory() + "/lobbyhub.exe", false);
+  const std::string launcher = launcherPath();
   if (!launcher.empty()) {
     Voice.reset();
-    plat.Launch(plat.CurrentDirectory() + "/" + launcher, 3);
+    plat.Launch(launcher, 3);
     return;
   }
   plat.Beep();
@@ -238,18 +238,19 @@ void Form1::closeTail() {
     writeConfig();
   }
   releaseSound();
-  if (phase == Phase::EndOfGame) {
-    const std::string launcher = plat.FindName(plat.CurrentDirectory() + "/lobbyhub.exe", false);
-    if (!launcher.empty()) plat.Launch(plat.CurrentDirectory() + "/" + launcher, 3);
-  }
+  const std::string launcher = phase == Phase::EndOfGame ? launcherPath() : std::string();
+  if (!launcher.empty()) plat.Launch(launcher, 3);
   Voice.reset();
 }
 
 void Form1::deleteSave() {
   fpath = join("quorble.sav");
-  const std::string found = plat.FindName(fpath, false);
-  if (!found.empty()) plat.DeleteFile(join(found));
+  const std::string found = locate(fpath);
+  if (!found.empty()) plat.DeleteFile(found);
 }
+
+// The launcher is looked for in the current folder, by its name alone.
+std::string Form1::launcherPath() { return locate(plat.CurrentDirectory() + "/lobbyhub.exe"); }
 
 // A saved game already on disk under another case is written over, so that
 // no stale copy can be taken up once this one is deleted.

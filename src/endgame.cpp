@@ -1,14 +1,10 @@
 // The end of the game: every sheet read out, the winner, the end menu.
-#include <limits>
-
 #include "gamestate.h"
 #include "prompts.h"
 #include "scoresheet.h"
 
 namespace quorble {
 namespace {
-
-constexpr double kForever = std::numeric_limits<double>::infinity();
 
 enum class At { Reading, Winner, Pause, Menu, Review };
 
@@ -55,7 +51,7 @@ void Form1::speechWait() {
   for (;;) {
     pump();
     if (Voice->RunningState() != SRSEIsSpeaking || !g.empty()) return;
-    waitUntil(WaitFor::Speech, kForever);
+    waitUntil(WaitFor::Speech);
   }
 }
 

@@ -1,5 +1,4 @@
 // The data folder and everything kept in it: configuration, saved game, log.
-#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <optional>
@@ -12,11 +11,6 @@ namespace quorble {
 namespace {
 
 constexpr const char* kEol = "\r\n";
-
-std::string Lower(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
 
 std::string FolderOf(const std::string& path) {
   const auto slash = path.rfind('/');
@@ -113,8 +107,9 @@ void Form1::getdp() {
     return;
   }
   dp = documents + "/brindlesoft";
+  // Found blind to case; its real name is the one to use.
   const std::string found = plat.FindName(dp, true);
-  if (Lower(found) == "brindlesoft") {
+  if (!found.empty()) {
     dp = documents + "/" + found;
     return;
   }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -147,7 +148,8 @@ class Form1 : public GameState, private WindowEvents {
   enum class Phase { StartUp, Turns, EndOfGame, Leaving };
 
   void pump();
-  void waitUntil(WaitFor what, double deadline);
+  // Blocks until something may have changed; no deadline by default.
+  void waitUntil(WaitFor what, double deadline = std::numeric_limits<double>::infinity());
   bool present(const std::string& path);
   std::string locate(const std::string& path);
   std::string join(const std::string& name) const;
@@ -178,6 +180,7 @@ class Form1 : public GameState, private WindowEvents {
   void tail(Exit way);
   void closeTail();
   void deleteSave();
+  std::string launcherPath();
   std::string savePath();
   void releaseSound();
   Exit gameOver();

@@ -1,6 +1,5 @@
 // The key latch, the waits, and the prompts that set up a new game.
 #include <cctype>
-#include <limits>
 
 #include "gamestate.h"
 #include "prompts.h"
@@ -8,7 +7,6 @@
 namespace quorble {
 namespace {
 
-constexpr double kForever = std::numeric_limits<double>::infinity();
 // Deeper than this, Ctrl and F12 are plain keys: a stuck key must not
 // nest dialogues without end.
 constexpr int kMaxDialogDepth = 16;
@@ -64,7 +62,7 @@ void Form1::getkey() {
   for (;;) {
     clk();
     while (g.empty()) {
-      waitUntil(WaitFor::Key, kForever);
+      waitUntil(WaitFor::Key);
       pump();
     }
     stopspeech();

@@ -121,10 +121,7 @@ void Form1::GetTits() {
   for (int row = 1; row <= kRows; ++row) titles[row] = kTitles[row];
 }
 
-void Form1::valueRow() {
-  pts = 0;
-  pts = RowValue(dye, p1);
-}
+void Form1::valueRow() { pts = RowValue(dye, p1); }
 
 // Stores the confirmed score; true when it has ended the whole game.
 bool Form1::recordScore() {

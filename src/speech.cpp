@@ -1,14 +1,11 @@
 // Speaking, the key echo, players' voices, samples and the two dialogues
 // for rate and voice.
-#include <limits>
-
 #include "gamestate.h"
 #include "prompts.h"
 
 namespace quorble {
 namespace {
 
-constexpr double kForever = std::numeric_limits<double>::infinity();
 const YesNoPlace kVoicePlace{2, " yes ", " no ", false, false, false};
 
 }  // namespace
@@ -47,7 +44,7 @@ void Form1::playFile(const std::string& name, int position, bool keyEnds) {
     pump();
     if (sbuf->GetStatus() != DSBSTATUS_PLAYING) break;
     if (keyEnds && !g.empty()) break;
-    waitUntil(WaitFor::Sound, kForever);
+    waitUntil(WaitFor::Sound);
   }
   sbuf->Stop();
   sbuf.reset();
@@ -79,7 +76,7 @@ void Form1::adjrate() {
       for (;;) {
         pump();
         if (!g.empty()) break;
-        waitUntil(WaitFor::Key, kForever);
+        waitUntil(WaitFor::Key);
       }
       if (g == "38") {
         ++vr;
