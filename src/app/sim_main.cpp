@@ -3,7 +3,9 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <vector>
 
+#include "app/options.h"
 #include "gamestate.h"
 #include "platform/common/disk.h"
 #include "platform/sim/sim_platform.h"
@@ -20,31 +22,33 @@ struct Options {
   std::string script;
 };
 
-bool ParseOptions(int argc, char** argv, Options& options) {
-  options.folders.cwd = quorble::disk::CurrentDirectory();
-  options.folders.samples = quorble::disk::ExecutableFolder();
-  for (int i = 1; i < argc; ++i) {
-    const std::string arg = argv[i];
-    const bool takesValue = arg == "--docs" || arg == "--cwd" || arg == "--samples";
-    if (takesValue && i + 1 < argc) {
-      std::string& field = arg == "--docs"  ? options.folders.docs
-                           : arg == "--cwd" ? options.folders.cwd
-                                            : options.folders.samples;
-      field = argv[++i];
-    } else if (takesValue || (arg.size() > 1 && arg[0] == '-') || !options.script.empty()) {
-      return false;
-    } else {
-      options.script = arg;
-    }
-  }
-  return !options.script.empty();
+const std::vector<quorble::app::OptionSpec> kOptionSpecs = {
+    {.name = "--docs", .valueName = "DIR", .help = "the user's documents folder"},
+    {.name = "--cwd", .valueName = "DIR", .help = "the process's current folder"},
+    {.name = "--samples", .valueName = "DIR", .help = "the folder of the sound samples"},
+};
+
+// The simulator reads no environment: a run depends on its command line and
+// script alone.
+const char* NoEnvironment(const char*) { return nullptr; }
+
+bool ParseCommandLine(int argc, char** argv, Options& options) {
+  quorble::app::ParseError error;
+  const auto parsed = quorble::app::ParseOptions(
+      kOptionSpecs, std::vector<std::string>(argv + 1, argv + argc), NoEnvironment, error);
+  if (!parsed || parsed->positional.size() != 1) return false;
+  options.folders.docs = parsed->Value("--docs");
+  options.folders.cwd = parsed->Value("--cwd", quorble::disk::CurrentDirectory());
+  options.folders.samples = parsed->Value("--samples", quorble::disk::ExecutableFolder());
+  options.script = parsed->positional.front();
+  return true;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
   Options options;
-  if (!ParseOptions(argc, argv, options)) {
+  if (!ParseCommandLine(argc, argv, options)) {
     std::cerr << "usage: quorble-sim [--docs DIR] [--cwd DIR] [--samples DIR] SCRIPT\n";
     return kBadUsage;
   }
