@@ -153,6 +153,7 @@ class SimWorld {
     const int raw = std::system(command.c_str());
     run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
     run.stderrText = Read(root_ / "err");
+    KeepTranscript(Read(root_ / "out"));
     std::istringstream transcript(Read(root_ / "out"));
     for (std::string text; std::getline(transcript, text);) {
       const auto blank = text.find(' ');
@@ -162,6 +163,20 @@ class SimWorld {
   }
 
  private:
+  // With QUORBLE_TRANSCRIPT_DIR set, every transcript is kept there, one file
+  // per run named by its test, so two builds' behaviour can be diffed whole.
+  static void KeepTranscript(const std::string& transcript) {
+    const char* dir = std::getenv("QUORBLE_TRANSCRIPT_DIR");
+    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+    if (dir == nullptr || *dir == '\0' || test == nullptr) return;
+    std::string name = std::string(test->test_suite_name()) + "." + test->name();
+    std::replace(name.begin(), name.end(), '/', '_');
+    for (int n = 1;; ++n) {
+      const fs::path path = fs::path(dir) / (name + "." + std::to_string(n) + ".txt");
+      if (!fs::exists(path)) return Write(path, transcript);
+    }
+  }
+
   fs::path root_;
 };
 
