@@ -124,7 +124,7 @@ AtPrompt Form1::rollPrompt() {
     for (;;) {
       say2(" Press R, to roll the dice ");
       getkey();
-      if (g == "27") {
+      if (g == keys::kEsc) {
         if (leavingPrompt()) return AtPrompt::Leave;
         break;
       }
@@ -152,7 +152,7 @@ Review Form1::reviewDice() {
     dy(0.2);
     seldice();
     if (kd == 1) return Review::Keep;
-    if (g != "27") return Review::Roll;
+    if (g != keys::kEsc) return Review::Roll;
     if (leavingPrompt()) return Review::Leave;
   }
 }
@@ -163,7 +163,7 @@ bool Form1::chooseAndConfirm() {
     dy(0.2);
     SayAllDye();
     scoring();
-    if (g == "27") {
+    if (g == keys::kEsc) {
       if (leavingPrompt()) return false;
       continue;
     }

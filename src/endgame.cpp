@@ -28,8 +28,8 @@ Exit Form1::gameOver() {
             " f2 to repeat entire scoring.  "
             " Or, M key to review score board. ");
         getkey();
-        if (g != "112" && g != "113" && g2 != "m") return Exit::GameOver;
-        at = g == "112" ? At::Winner : g == "113" ? At::Reading : At::Review;
+        if (g != keys::kF1 && g != keys::kF2 && g2 != "m") return Exit::GameOver;
+        at = g == keys::kF1 ? At::Winner : g == keys::kF2 ? At::Reading : At::Review;
         clk();
         break;
       case At::Review:

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "keys.h"
 #include "platform/platform.h"
 
 namespace quorble {

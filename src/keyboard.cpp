@@ -66,13 +66,13 @@ void Form1::getkey() {
       pump();
     }
     stopspeech();
-    if (dialogDepth < kMaxDialogDepth && (g == "17" || g == "123")) {
+    if (dialogDepth < kMaxDialogDepth && (g == keys::kCtrl || g == keys::kF12)) {
       ++dialogDepth;
-      if (g == "17") adjrate();
-      if (g == "123") changevoice(ck);
+      if (g == keys::kCtrl) adjrate();
+      if (g == keys::kF12) changevoice(ck);
       --dialogDepth;
     }
-    if (CodeValue(g) <= 113) return;
+    if (CodeValue(g) <= keys::kF2.code) return;
   }
 }
 
@@ -99,8 +99,8 @@ Answer Form1::yesno(const YesNoPlace& place, int& answer) {
   for (;;) {
     say2(answer == 1 ? place.yes : place.no);
     getkey();
-    if (g == "13") return answer == 1 ? Answer::Yes : Answer::No;
-    if (g == "38" || g == "40") {
+    if (g == keys::kEnter) return answer == 1 ? Answer::Yes : Answer::No;
+    if (g == keys::kUp || g == keys::kDown) {
       answer = 3 - answer;
       continue;
     }
@@ -126,8 +126,8 @@ void Form1::getter(const std::string& prompt) {
     r.clear();
     for (;;) {
       getkey();
-      if (g == "112") break;
-      if (g == "16") {
+      if (g == keys::kF1) break;
+      if (g == keys::kShift) {
         shift = true;
         continue;
       }
@@ -135,14 +135,14 @@ void Form1::getter(const std::string& prompt) {
         shift = false;
         for (char& c : g2) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
       }
-      if (g == "8") {
+      if (g == keys::kBackspace) {
         if (r.empty()) continue;
         g2 = r.substr(r.size() - 1);
         saykey();
         r.pop_back();
         continue;
       }
-      if (g == "13") return;
+      if (g == keys::kEnter) return;
       saykey();
       r += g2;
     }
@@ -169,7 +169,7 @@ void Form1::GetGame() {
     for (;;) {
       say2(kGames[selection]);
       getkey();
-      if (g == "13") {
+      if (g == keys::kEnter) {
         g2p = selection;
         return;
       }
@@ -178,11 +178,11 @@ void Form1::GetGame() {
         saykey();
         continue;
       }
-      if (g == "38") {
+      if (g == keys::kUp) {
         selection = selection == 1 ? 3 : selection - 1;
         continue;
       }
-      if (g == "40") {
+      if (g == keys::kDown) {
         selection = selection == 3 ? 1 : selection + 1;
         continue;
       }
@@ -197,7 +197,7 @@ void Form1::GetNop() {
     clk();
     say2(" Press a number for the number of players ");
     getkey();
-    if (g == "112") continue;
+    if (g == keys::kF1) continue;
     saykey();
     nop = DigitValue(g2);
     if (nop < 1 || nop > 9) {

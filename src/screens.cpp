@@ -42,16 +42,16 @@ void Form1::seldice() {
       }
       speakDie = true;
       getkey();
-      if (g == "13" || g == "32") {
+      if (g == keys::kEnter || g == keys::kSpace) {
         dye[cursor] = -1;
         dy3(0.2);
         play2(6);
         dy3(0.2);
         continue;
       }
-      if (g == "27") return;
-      if (g == "38" || g == "40") {
-        cursor = g == "38" ? (cursor == 1 ? 5 : cursor - 1) : (cursor == 5 ? 1 : cursor + 1);
+      if (g == keys::kEsc) return;
+      if (g == keys::kUp || g == keys::kDown) {
+        cursor = g == keys::kUp ? (cursor == 1 ? 5 : cursor - 1) : (cursor == 5 ? 1 : cursor + 1);
         continue;
       }
       saykey();
@@ -61,7 +61,7 @@ void Form1::seldice() {
       }
       if (g2 == "m") {
         rebord();
-        if (g == "27") return;
+        if (g == keys::kEsc) return;
         break;
       }
       if (g2 == "k") {
@@ -119,16 +119,16 @@ namespace {
 // one that moves it, 3 after a row move and 2 after a sheet move: the step
 // at which the board speaks again.
 int MoveOnBoard(const std::string& g, int g2p, int& p1, int& p2) {
-  if (g == "38") {
+  if (g == keys::kUp) {
     p1 = p1 == 1 ? kRows : p1 - 1;
     return 3;
   }
-  if (g == "40") {
+  if (g == keys::kDown) {
     p1 = p1 == kRows ? 1 : p1 + 1;
     return 3;
   }
-  if (g2p == 1 || (g != "37" && g != "39")) return 0;
-  if (g == "37") {
+  if (g2p == 1 || (g != keys::kLeft && g != keys::kRight)) return 0;
+  if (g == keys::kLeft) {
     p2 = p2 - 1;
     if (p2 <= 0) p2 = g2p;
   } else {
@@ -148,7 +148,7 @@ void Form1::rebord() {
     if (step == 2) sheetPhrase();
     rowPhrase();
     getkey();
-    if (g == "27" || g2 == "m") return;
+    if (g == keys::kEsc || g2 == "m") return;
     step = MoveOnBoard(g, g2p, p1, p2);
     if (step == 0) {
       say2(" Use the arrow keys to move through and review the score board. ");
@@ -168,12 +168,12 @@ void Form1::scoring() {
     if (step <= 2) sheetPhrase();
     rowPhrase();
     getkey();
-    if (g == "13" || g == "32") {
+    if (g == keys::kEnter || g == keys::kSpace) {
       step = chooseRow();
       if (step == 0) return;
       continue;
     }
-    if (g == "27") return;
+    if (g == keys::kEsc) return;
     if (g2 == "m") {
       SayAllDye();
       step = 2;

@@ -19,7 +19,7 @@ void Form1::stopspeech() { Voice->Speak("", SVSFPurgeBeforeSpeak); }
 void Form1::saykey() {
   Voice->SetRate(vr + 5);
   Voice->Speak("", SVSFPurgeBeforeSpeak);
-  if (g != "112") Voice->Speak(g2, SVSFlagsAsync);
+  if (g != keys::kF1) Voice->Speak(g2, SVSFlagsAsync);
   Voice->SetRate(vr);
 }
 
@@ -78,11 +78,11 @@ void Form1::adjrate() {
         if (!g.empty()) break;
         waitUntil(WaitFor::Key);
       }
-      if (g == "38") {
+      if (g == keys::kUp) {
         ++vr;
-      } else if (g == "40") {
+      } else if (g == keys::kDown) {
         --vr;
-      } else if (g == "13") {
+      } else if (g == keys::kEnter) {
         clk();
         g = "1";
         return;

@@ -3,6 +3,8 @@
 #include <array>
 #include <utility>
 
+#include "keys.h"
+
 namespace quorble::desktop {
 namespace {
 
@@ -16,76 +18,81 @@ struct KeypadKey {
 };
 
 constexpr std::array kKeypad{
-    KeypadKey{SDL_SCANCODE_KP_0, 96, 45},       KeypadKey{SDL_SCANCODE_KP_1, 97, 35},
-    KeypadKey{SDL_SCANCODE_KP_2, 98, 40},       KeypadKey{SDL_SCANCODE_KP_3, 99, 34},
-    KeypadKey{SDL_SCANCODE_KP_4, 100, 37},      KeypadKey{SDL_SCANCODE_KP_5, 101, 12},
-    KeypadKey{SDL_SCANCODE_KP_6, 102, 39},      KeypadKey{SDL_SCANCODE_KP_7, 103, 36},
-    KeypadKey{SDL_SCANCODE_KP_8, 104, 38},      KeypadKey{SDL_SCANCODE_KP_9, 105, 33},
-    KeypadKey{SDL_SCANCODE_KP_PERIOD, 110, 46},
+    KeypadKey{SDL_SCANCODE_KP_0, keys::kKeypad0.code + 0, keys::kInsert.code},
+    KeypadKey{SDL_SCANCODE_KP_1, keys::kKeypad0.code + 1, keys::kEnd.code},
+    KeypadKey{SDL_SCANCODE_KP_2, keys::kKeypad0.code + 2, keys::kDown.code},
+    KeypadKey{SDL_SCANCODE_KP_3, keys::kKeypad0.code + 3, keys::kPageDown.code},
+    KeypadKey{SDL_SCANCODE_KP_4, keys::kKeypad0.code + 4, keys::kLeft.code},
+    KeypadKey{SDL_SCANCODE_KP_5, keys::kKeypad0.code + 5, keys::kKeypadClear.code},
+    KeypadKey{SDL_SCANCODE_KP_6, keys::kKeypad0.code + 6, keys::kRight.code},
+    KeypadKey{SDL_SCANCODE_KP_7, keys::kKeypad0.code + 7, keys::kHome.code},
+    KeypadKey{SDL_SCANCODE_KP_8, keys::kKeypad0.code + 8, keys::kUp.code},
+    KeypadKey{SDL_SCANCODE_KP_9, keys::kKeypad0.code + 9, keys::kPageUp.code},
+    KeypadKey{SDL_SCANCODE_KP_PERIOD, keys::kKeypadDecimal.code, keys::kDelete.code},
 };
 
 // Punctuation by the character the layout gives.
 constexpr std::array<std::pair<char, int>, 11> kPunctuation{{
-    {';', 186},
-    {'=', 187},
-    {',', 188},
-    {'-', 189},
-    {'.', 190},
-    {'/', 191},
-    {'`', 192},
-    {'[', 219},
-    {'\\', 220},
-    {']', 221},
-    {'\'', 222},
+    {';', keys::kSemicolon.code},
+    {'=', keys::kEquals.code},
+    {',', keys::kComma.code},
+    {'-', keys::kMinus.code},
+    {'.', keys::kPeriod.code},
+    {'/', keys::kSlash.code},
+    {'`', keys::kGrave.code},
+    {'[', keys::kLeftBracket.code},
+    {'\\', keys::kBackslash.code},
+    {']', keys::kRightBracket.code},
+    {'\'', keys::kApostrophe.code},
 }};
 
 // Keys known by their place: the punctuation here is the fallback for
 // layouts whose character at that place has no code of its own.
 constexpr std::array kByPlace{
-    ScancodeCodes{SDL_SCANCODE_KP_MULTIPLY, 106},
-    ScancodeCodes{SDL_SCANCODE_KP_PLUS, 107},
-    ScancodeCodes{SDL_SCANCODE_KP_MINUS, 109},
-    ScancodeCodes{SDL_SCANCODE_KP_DIVIDE, 111},
-    ScancodeCodes{SDL_SCANCODE_KP_ENTER, 13},
-    ScancodeCodes{SDL_SCANCODE_BACKSPACE, 8},
-    ScancodeCodes{SDL_SCANCODE_TAB, 9},
-    ScancodeCodes{SDL_SCANCODE_RETURN, 13},
-    ScancodeCodes{SDL_SCANCODE_LSHIFT, 16},
-    ScancodeCodes{SDL_SCANCODE_RSHIFT, 16},
-    ScancodeCodes{SDL_SCANCODE_LCTRL, 17},
-    ScancodeCodes{SDL_SCANCODE_RCTRL, 17},
-    ScancodeCodes{SDL_SCANCODE_LALT, 18},
-    ScancodeCodes{SDL_SCANCODE_RALT, 18},
-    ScancodeCodes{SDL_SCANCODE_PAUSE, 19},
-    ScancodeCodes{SDL_SCANCODE_CAPSLOCK, 20},
-    ScancodeCodes{SDL_SCANCODE_ESCAPE, 27},
-    ScancodeCodes{SDL_SCANCODE_SPACE, 32},
-    ScancodeCodes{SDL_SCANCODE_PAGEUP, 33},
-    ScancodeCodes{SDL_SCANCODE_PAGEDOWN, 34},
-    ScancodeCodes{SDL_SCANCODE_END, 35},
-    ScancodeCodes{SDL_SCANCODE_HOME, 36},
-    ScancodeCodes{SDL_SCANCODE_LEFT, 37},
-    ScancodeCodes{SDL_SCANCODE_UP, 38},
-    ScancodeCodes{SDL_SCANCODE_RIGHT, 39},
-    ScancodeCodes{SDL_SCANCODE_DOWN, 40},
-    ScancodeCodes{SDL_SCANCODE_PRINTSCREEN, 44},
-    ScancodeCodes{SDL_SCANCODE_INSERT, 45},
-    ScancodeCodes{SDL_SCANCODE_DELETE, 46},
-    ScancodeCodes{SDL_SCANCODE_LGUI, 91},
-    ScancodeCodes{SDL_SCANCODE_RGUI, 92},
-    ScancodeCodes{SDL_SCANCODE_NUMLOCKCLEAR, 144},
-    ScancodeCodes{SDL_SCANCODE_SCROLLLOCK, 145},
-    ScancodeCodes{SDL_SCANCODE_SEMICOLON, 186},
-    ScancodeCodes{SDL_SCANCODE_EQUALS, 187},
-    ScancodeCodes{SDL_SCANCODE_COMMA, 188},
-    ScancodeCodes{SDL_SCANCODE_MINUS, 189},
-    ScancodeCodes{SDL_SCANCODE_PERIOD, 190},
-    ScancodeCodes{SDL_SCANCODE_SLASH, 191},
-    ScancodeCodes{SDL_SCANCODE_GRAVE, 192},
-    ScancodeCodes{SDL_SCANCODE_LEFTBRACKET, 219},
-    ScancodeCodes{SDL_SCANCODE_BACKSLASH, 220},
-    ScancodeCodes{SDL_SCANCODE_RIGHTBRACKET, 221},
-    ScancodeCodes{SDL_SCANCODE_APOSTROPHE, 222},
+    ScancodeCodes{SDL_SCANCODE_KP_MULTIPLY, keys::kKeypadMultiply.code},
+    ScancodeCodes{SDL_SCANCODE_KP_PLUS, keys::kKeypadPlus.code},
+    ScancodeCodes{SDL_SCANCODE_KP_MINUS, keys::kKeypadMinus.code},
+    ScancodeCodes{SDL_SCANCODE_KP_DIVIDE, keys::kKeypadDivide.code},
+    ScancodeCodes{SDL_SCANCODE_KP_ENTER, keys::kEnter.code},
+    ScancodeCodes{SDL_SCANCODE_BACKSPACE, keys::kBackspace.code},
+    ScancodeCodes{SDL_SCANCODE_TAB, keys::kTab.code},
+    ScancodeCodes{SDL_SCANCODE_RETURN, keys::kEnter.code},
+    ScancodeCodes{SDL_SCANCODE_LSHIFT, keys::kShift.code},
+    ScancodeCodes{SDL_SCANCODE_RSHIFT, keys::kShift.code},
+    ScancodeCodes{SDL_SCANCODE_LCTRL, keys::kCtrl.code},
+    ScancodeCodes{SDL_SCANCODE_RCTRL, keys::kCtrl.code},
+    ScancodeCodes{SDL_SCANCODE_LALT, keys::kAlt.code},
+    ScancodeCodes{SDL_SCANCODE_RALT, keys::kAlt.code},
+    ScancodeCodes{SDL_SCANCODE_PAUSE, keys::kPause.code},
+    ScancodeCodes{SDL_SCANCODE_CAPSLOCK, keys::kCapsLock.code},
+    ScancodeCodes{SDL_SCANCODE_ESCAPE, keys::kEsc.code},
+    ScancodeCodes{SDL_SCANCODE_SPACE, keys::kSpace.code},
+    ScancodeCodes{SDL_SCANCODE_PAGEUP, keys::kPageUp.code},
+    ScancodeCodes{SDL_SCANCODE_PAGEDOWN, keys::kPageDown.code},
+    ScancodeCodes{SDL_SCANCODE_END, keys::kEnd.code},
+    ScancodeCodes{SDL_SCANCODE_HOME, keys::kHome.code},
+    ScancodeCodes{SDL_SCANCODE_LEFT, keys::kLeft.code},
+    ScancodeCodes{SDL_SCANCODE_UP, keys::kUp.code},
+    ScancodeCodes{SDL_SCANCODE_RIGHT, keys::kRight.code},
+    ScancodeCodes{SDL_SCANCODE_DOWN, keys::kDown.code},
+    ScancodeCodes{SDL_SCANCODE_PRINTSCREEN, keys::kPrintScreen.code},
+    ScancodeCodes{SDL_SCANCODE_INSERT, keys::kInsert.code},
+    ScancodeCodes{SDL_SCANCODE_DELETE, keys::kDelete.code},
+    ScancodeCodes{SDL_SCANCODE_LGUI, keys::kLeftWindows.code},
+    ScancodeCodes{SDL_SCANCODE_RGUI, keys::kRightWindows.code},
+    ScancodeCodes{SDL_SCANCODE_NUMLOCKCLEAR, keys::kNumLock.code},
+    ScancodeCodes{SDL_SCANCODE_SCROLLLOCK, keys::kScrollLock.code},
+    ScancodeCodes{SDL_SCANCODE_SEMICOLON, keys::kSemicolon.code},
+    ScancodeCodes{SDL_SCANCODE_EQUALS, keys::kEquals.code},
+    ScancodeCodes{SDL_SCANCODE_COMMA, keys::kComma.code},
+    ScancodeCodes{SDL_SCANCODE_MINUS, keys::kMinus.code},
+    ScancodeCodes{SDL_SCANCODE_PERIOD, keys::kPeriod.code},
+    ScancodeCodes{SDL_SCANCODE_SLASH, keys::kSlash.code},
+    ScancodeCodes{SDL_SCANCODE_GRAVE, keys::kGrave.code},
+    ScancodeCodes{SDL_SCANCODE_LEFTBRACKET, keys::kLeftBracket.code},
+    ScancodeCodes{SDL_SCANCODE_BACKSLASH, keys::kBackslash.code},
+    ScancodeCodes{SDL_SCANCODE_RIGHTBRACKET, keys::kRightBracket.code},
+    ScancodeCodes{SDL_SCANCODE_APOSTROPHE, keys::kApostrophe.code},
 };
 
 int KeypadCode(SDL_Scancode scancode, bool numLock) {
@@ -104,7 +111,7 @@ int DigitRowCode(SDL_Scancode scancode) {
 
 int FunctionKeyCode(SDL_Scancode scancode) {
   if (scancode >= SDL_SCANCODE_F1 && scancode <= SDL_SCANCODE_F12) {
-    return 112 + (scancode - SDL_SCANCODE_F1);
+    return keys::kF1.code + (scancode - SDL_SCANCODE_F1);
   }
   return 0;
 }

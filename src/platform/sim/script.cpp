@@ -6,6 +6,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "keys.h"
+
 namespace quorble::sim {
 namespace {
 
@@ -17,13 +19,38 @@ std::string Lower(std::string text) {
 
 const std::map<std::string, int>& NamedKeys() {
   static const std::map<std::string, int> keys = {
-      {"backspace", 8},   {"tab", 9},       {"enter", 13},    {"shift", 16},  {"ctrl", 17},
-      {"alt", 18},        {"pause", 19},    {"capslock", 20}, {"esc", 27},    {"space", 32},
-      {"pageup", 33},     {"pagedown", 34}, {"end", 35},      {"home", 36},   {"left", 37},
-      {"up", 38},         {"right", 39},    {"down", 40},     {"insert", 45}, {"delete", 46},
-      {"kpmul", 106},     {"kpplus", 107},  {"kpminus", 109}, {"kpdot", 110}, {"kpdiv", 111},
-      {"semicolon", 186}, {"equals", 187},  {"comma", 188},   {"minus", 189}, {"period", 190},
-      {"slash", 191},     {"grave", 192},
+      {"backspace", keys::kBackspace.code},
+      {"tab", keys::kTab.code},
+      {"enter", keys::kEnter.code},
+      {"shift", keys::kShift.code},
+      {"ctrl", keys::kCtrl.code},
+      {"alt", keys::kAlt.code},
+      {"pause", keys::kPause.code},
+      {"capslock", keys::kCapsLock.code},
+      {"esc", keys::kEsc.code},
+      {"space", keys::kSpace.code},
+      {"pageup", keys::kPageUp.code},
+      {"pagedown", keys::kPageDown.code},
+      {"end", keys::kEnd.code},
+      {"home", keys::kHome.code},
+      {"left", keys::kLeft.code},
+      {"up", keys::kUp.code},
+      {"right", keys::kRight.code},
+      {"down", keys::kDown.code},
+      {"insert", keys::kInsert.code},
+      {"delete", keys::kDelete.code},
+      {"kpmul", keys::kKeypadMultiply.code},
+      {"kpplus", keys::kKeypadPlus.code},
+      {"kpminus", keys::kKeypadMinus.code},
+      {"kpdot", keys::kKeypadDecimal.code},
+      {"kpdiv", keys::kKeypadDivide.code},
+      {"semicolon", keys::kSemicolon.code},
+      {"equals", keys::kEquals.code},
+      {"comma", keys::kComma.code},
+      {"minus", keys::kMinus.code},
+      {"period", keys::kPeriod.code},
+      {"slash", keys::kSlash.code},
+      {"grave", keys::kGrave.code},
   };
   return keys;
 }
@@ -147,8 +174,8 @@ int KeyCode(const std::string& rawName) {
     int code = 0;
     return ParseWhole(name.substr(3), 1, 254, code) ? code : 0;
   }
-  if (int code = NumberedKey(name, "kp", 0, 9, 96)) return code;
-  return NumberedKey(name, "f", 1, 12, 111);
+  if (int code = NumberedKey(name, "kp", 0, 9, keys::kKeypad0.code)) return code;
+  return NumberedKey(name, "f", 1, 12, keys::kF1.code - 1);
 }
 
 Script ParseScript(std::istream& in) {
