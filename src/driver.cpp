@@ -7,8 +7,8 @@
 namespace quorble {
 namespace {
 
-const YesNoPlace kScorePlace{1, " yes ", " no ", true, false, false};
-const YesNoPlace kLeavingPlace{2, " Yes ", " No ", true, false, false};
+const YesNoPlace kScorePlace{.byDefault = 1, .echoFirst = true};
+const YesNoPlace kLeavingPlace{.byDefault = 2, .yes = " Yes ", .no = " No ", .echoFirst = true};
 const char* const kThanks = " thank you for playing Kwor-bul, By Tavi Orlund ";
 
 }  // namespace

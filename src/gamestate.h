@@ -87,6 +87,12 @@ struct YesNoPlace;
 // How the roll prompt is left, and how a look at the dice ends.
 enum class AtPrompt { Roll, Leave, Save };
 enum class Review { Keep, Roll, Leave };
+// Where the score board speaks again from: " score " and on, the sheet and
+// on, or the row alone.
+enum class SpeakFrom { Title, Sheet, Row };
+// How Enter on the score board ends: the dice scored there, the row already
+// holding a score, or the score refused (the board starts over).
+enum class RowChoice { Scored, Filled, Refused };
 
 class Form1 : public GameState, private WindowEvents {
  public:
@@ -177,7 +183,7 @@ class Form1 : public GameState, private WindowEvents {
   void nextPlayer();
   void sheetPhrase();
   void rowPhrase();
-  int chooseRow();
+  RowChoice chooseRow();
   void tail(Exit way);
   void closeTail();
   void deleteSave();

@@ -7,7 +7,7 @@
 namespace quorble {
 namespace {
 
-const YesNoPlace kInstructionsPlace{1, " yes ", " no ", false, true, false};
+const YesNoPlace kInstructionsPlace{.byDefault = 1, .echoYesNo = true};
 
 constexpr std::array kRules = {
     " kwor-bul game instructions.",

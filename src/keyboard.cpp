@@ -11,8 +11,8 @@ namespace {
 // nest dialogues without end.
 constexpr int kMaxDialogDepth = 16;
 
-const YesNoPlace kNamePlace{1, " yes ", " no ", false, true, true};
-const YesNoPlace kPlayersPlace{1, " yes ", " no ", false, false, true};
+const YesNoPlace kNamePlace{.byDefault = 1, .echoYesNo = true, .echoOther = true};
+const YesNoPlace kPlayersPlace{.byDefault = 1, .echoOther = true};
 
 int DigitValue(const std::string& text) {
   if (text.size() == 1 && std::isdigit(static_cast<unsigned char>(text[0]))) return text[0] - '0';

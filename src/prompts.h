@@ -6,12 +6,12 @@
 namespace quorble {
 
 struct YesNoPlace {
-  int byDefault;    // 1 yes, 2 no
-  const char* yes;  // the word spoken for each answer
-  const char* no;
-  bool echoFirst;  // every key but Enter and the arrows is echoed before its test
-  bool echoYesNo;  // otherwise: Y and N are echoed
-  bool echoOther;  // otherwise: an unknown key is echoed
+  int byDefault = 1;          // 1 yes, 2 no
+  const char* yes = " yes ";  // the word spoken for each answer
+  const char* no = " no ";
+  bool echoFirst = false;  // every key but Enter and the arrows is echoed before its test
+  bool echoYesNo = false;  // otherwise: Y and N are echoed
+  bool echoOther = false;  // otherwise: an unknown key is echoed
 };
 
 // The value of a digit key's character; 0 for anything else.

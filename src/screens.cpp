@@ -1,4 +1,6 @@
 // The dice screen and the score board: all a player knows of them is spoken.
+#include <optional>
+
 #include "gamestate.h"
 
 namespace quorble {
@@ -115,19 +117,18 @@ void Form1::rowPhrase() {
 
 namespace {
 
-// Moves the board's cursor for an arrow key. Returns 0 when the key isn't
-// one that moves it, 3 after a row move and 2 after a sheet move: the step
-// at which the board speaks again.
-int MoveOnBoard(const std::string& g, int g2p, int& p1, int& p2) {
+// Moves the board's cursor for an arrow key; nothing when the key isn't one
+// that moves it.
+std::optional<SpeakFrom> MoveOnBoard(const std::string& g, int g2p, int& p1, int& p2) {
   if (g == keys::kUp) {
     p1 = p1 == 1 ? kRows : p1 - 1;
-    return 3;
+    return SpeakFrom::Row;
   }
   if (g == keys::kDown) {
     p1 = p1 == kRows ? 1 : p1 + 1;
-    return 3;
+    return SpeakFrom::Row;
   }
-  if (g2p == 1 || (g != keys::kLeft && g != keys::kRight)) return 0;
+  if (g2p == 1 || (g != keys::kLeft && g != keys::kRight)) return std::nullopt;
   if (g == keys::kLeft) {
     p2 = p2 - 1;
     if (p2 <= 0) p2 = g2p;
@@ -135,7 +136,7 @@ int MoveOnBoard(const std::string& g, int g2p, int& p1, int& p2) {
     p2 = p2 + 1;
     if (p2 > g2p) p2 = 1;
   }
-  return 2;
+  return SpeakFrom::Sheet;
 }
 
 }  // namespace
@@ -143,63 +144,65 @@ int MoveOnBoard(const std::string& g, int g2p, int& p1, int& p2) {
 void Form1::rebord() {
   clk();
   say2(" score ");
-  int step = 2;
+  auto from = SpeakFrom::Sheet;
   for (;;) {
-    if (step == 2) sheetPhrase();
+    if (from == SpeakFrom::Sheet) sheetPhrase();
     rowPhrase();
     getkey();
     if (g == keys::kEsc || g2 == "m") return;
-    step = MoveOnBoard(g, g2p, p1, p2);
-    if (step == 0) {
-      say2(" Use the arrow keys to move through and review the score board. ");
-      say2(" press the M key to switch modes back to the dice. ");
-      step = 3;
+    if (const auto moved = MoveOnBoard(g, g2p, p1, p2)) {
+      from = *moved;
+      continue;
     }
+    say2(" Use the arrow keys to move through and review the score board. ");
+    say2(" press the M key to switch modes back to the dice. ");
+    from = SpeakFrom::Row;
   }
 }
 
 void Form1::scoring() {
-  int step = 1;
+  auto from = SpeakFrom::Title;
   for (;;) {
-    if (step == 1) {
+    if (from == SpeakFrom::Title) {
       clk();
       say2(" score ");
     }
-    if (step <= 2) sheetPhrase();
+    if (from != SpeakFrom::Row) sheetPhrase();
     rowPhrase();
     getkey();
     if (g == keys::kEnter || g == keys::kSpace) {
-      step = chooseRow();
-      if (step == 0) return;
+      const RowChoice choice = chooseRow();
+      if (choice == RowChoice::Scored) return;
+      from = choice == RowChoice::Filled ? SpeakFrom::Row : SpeakFrom::Title;
       continue;
     }
     if (g == keys::kEsc) return;
     if (g2 == "m") {
       SayAllDye();
-      step = 2;
+      from = SpeakFrom::Sheet;
       continue;
     }
-    step = MoveOnBoard(g, g2p, p1, p2);
-    if (step == 0) {
-      say2(
-          " Use the arrow keys to move through the score board. "
-          " Then press the enter key or space bar. ");
-      say2(" Press the M key to review your dice. ");
-      step = 3;
+    if (const auto moved = MoveOnBoard(g, g2p, p1, p2)) {
+      from = *moved;
+      continue;
     }
+    say2(
+        " Use the arrow keys to move through the score board. "
+        " Then press the enter key or space bar. ");
+    say2(" Press the M key to review your dice. ");
+    from = SpeakFrom::Row;
   }
 }
 
-// 0 when the row is taken, else the step of the board to go on at.
-int Form1::chooseRow() {
+RowChoice Form1::chooseRow() {
   if (p1 != kRows) {
-    if (sheet[pup][p1][p2] < 0) return 0;
+    if (sheet[pup][p1][p2] < 0) return RowChoice::Scored;
     dy(0.2);
     plat.Beep();
     dy(0.3);
     say(" You already have a score for " + titles[p1]);
     dy(0.3);
-    return 3;
+    return RowChoice::Filled;
   }
   int alike = 0;
   for (int i = 2; i <= kDice; ++i) alike += dye[i] == dye[1] ? 1 : 0;
@@ -208,9 +211,9 @@ int Form1::chooseRow() {
     plat.Beep();
     say(" Sorry but you do not have a kwor-bul."
         " so it can not be scored as an extra kwor-bull.");
-    return 1;
+    return RowChoice::Refused;
   }
-  if (sheet[pup][13][p2] == 50) return 0;
+  if (sheet[pup][13][p2] == 50) return RowChoice::Scored;
   dy(0.2);
   plat.Beep();
   dy(0.3);
@@ -218,7 +221,7 @@ int Form1::chooseRow() {
   dy(0.6);
   p1 = 1;
   p2 = 1;
-  return 1;
+  return RowChoice::Refused;
 }
 
 }  // namespace quorble

@@ -6,7 +6,7 @@
 namespace quorble {
 namespace {
 
-const YesNoPlace kVoicePlace{2, " yes ", " no ", false, false, false};
+const YesNoPlace kVoicePlace{.byDefault = 2};
 
 }  // namespace
 
