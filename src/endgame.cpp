@@ -48,11 +48,7 @@ bool Form1::keyTest() {
 }
 
 void Form1::speechWait() {
-  for (;;) {
-    pump();
-    if (Voice->RunningState() != SRSEIsSpeaking || !g.empty()) return;
-    waitUntil(WaitFor::Speech);
-  }
+  pumpUntil([&] { return Voice->RunningState() != SRSEIsSpeaking || !g.empty(); }, WaitFor::Speech);
 }
 
 // Reads out every sheet of every player; false when a key cut it short.

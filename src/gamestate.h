@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -155,8 +156,10 @@ class Form1 : public GameState, private WindowEvents {
   enum class Phase { StartUp, Turns, EndOfGame, Leaving };
 
   void pump();
-  // Blocks until something may have changed; no deadline by default.
-  void waitUntil(WaitFor what, double deadline = std::numeric_limits<double>::infinity());
+  // The game's one wait: pumps, and until `done` holds blocks on the
+  // platform for `what` or the deadline, so no wait ever spins.
+  void pumpUntil(const std::function<bool()>& done, WaitFor what,
+                 double deadline = std::numeric_limits<double>::infinity());
   bool present(const std::string& path);
   std::string locate(const std::string& path);
   std::string join(const std::string& name) const;

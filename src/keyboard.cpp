@@ -49,7 +49,13 @@ void Form1::pump() {
   }
 }
 
-void Form1::waitUntil(WaitFor what, double deadline) { plat.WaitEvent(what, deadline); }
+void Form1::pumpUntil(const std::function<bool()>& done, WaitFor what, double deadline) {
+  for (;;) {
+    pump();
+    if (done()) return;
+    plat.WaitEvent(what, deadline);
+  }
+}
 
 void Form1::clk() {
   g.clear();
@@ -60,11 +66,11 @@ void Form1::clk() {
 
 void Form1::getkey() {
   for (;;) {
-    clk();
-    while (g.empty()) {
-      waitUntil(WaitFor::Key);
-      pump();
-    }
+    // As clk(), whose last pump is the wait's first.
+    g.clear();
+    pump();
+    g2.clear();
+    pumpUntil([&] { return !g.empty(); }, WaitFor::Key);
     stopspeech();
     if (dialogDepth < kMaxDialogDepth && (g == keys::kCtrl || g == keys::kF12)) {
       ++dialogDepth;
@@ -78,20 +84,12 @@ void Form1::getkey() {
 
 void Form1::dy(double seconds) {
   const double deadline = plat.Monotonic() + seconds;
-  for (;;) {
-    pump();
-    if (plat.Monotonic() >= deadline) return;
-    waitUntil(WaitFor::Time, deadline);
-  }
+  pumpUntil([&] { return plat.Monotonic() >= deadline; }, WaitFor::Time, deadline);
 }
 
 void Form1::dy3(double seconds) {
   const double deadline = plat.Monotonic() + seconds;
-  for (;;) {
-    pump();
-    if (!g.empty() || plat.Monotonic() >= deadline) return;
-    waitUntil(WaitFor::Time, deadline);
-  }
+  pumpUntil([&] { return !g.empty() || plat.Monotonic() >= deadline; }, WaitFor::Time, deadline);
 }
 
 Answer Form1::yesno(const YesNoPlace& place, int& answer) {

@@ -40,12 +40,8 @@ void Form1::playFile(const std::string& name, int position, bool keyEnds) {
   sbuf->SetVolume(0);
   sbuf->SetFrequency(fq);
   sbuf->Play(0);
-  for (;;) {
-    pump();
-    if (sbuf->GetStatus() != DSBSTATUS_PLAYING) break;
-    if (keyEnds && !g.empty()) break;
-    waitUntil(WaitFor::Sound);
-  }
+  pumpUntil([&] { return sbuf->GetStatus() != DSBSTATUS_PLAYING || (keyEnds && !g.empty()); },
+            WaitFor::Sound);
   sbuf->Stop();
   sbuf.reset();
 }
@@ -73,11 +69,7 @@ void Form1::adjrate() {
     Voice->Speak(std::to_string(vr), SVSFlagsAsync);
     for (;;) {
       g.clear();
-      for (;;) {
-        pump();
-        if (!g.empty()) break;
-        waitUntil(WaitFor::Key);
-      }
+      pumpUntil([&] { return !g.empty(); }, WaitFor::Key);
       if (g == keys::kUp) {
         ++vr;
       } else if (g == keys::kDown) {
