@@ -24,51 +24,52 @@ struct GameState {
   // Key and text fields.
   std::string g;   // last key code as decimal text; empty while none
   std::string g2;  // the character of that code, lower case
-  std::string r;   // text typed in getter
-  std::string dp;  // the data folder
+  std::string r;   // the text typed at the name prompt
+  std::string dp;  // the data folder, where saves, the configuration and the log go
 
   // Number fields.
-  int fq = 0;
-  int yorn = 0;
-  int vr = 0;
-  int nv = 0;
-  int nov = 0;
-  int g2p = 0;
-  int p1 = 0;
-  int p2 = 0;
-  int nop = 0;
-  int pup = 0;
-  int kd = 0;
-  int fnf = 0;
-  int ck = 0;
+  int fq = 0;    // the filler sample's playback rate in Hz
+  int yorn = 0;  // the answer of the last yes/no prompt: 1 yes, 2 no
+  int vr = 0;    // the speech rate of the voice in use
+  int nv = 0;    // the voice in use, 0 to nov - 1
+  int nov = 0;   // how many voices the platform has
+  int g2p = 0;   // sheets per player in this game, 1 to kSheets
+  int p1 = 0;    // the score board's row, 1 to kRows
+  int p2 = 0;    // the score board's sheet, 1 to g2p
+  int nop = 0;   // players in this game, 1 to 9
+  int pup = 0;   // the player whose turn it is, 1 to nop
+  int kd = 0;    // 1 once the dice screen kept the dice (K), else 0
+  int fnf = 0;   // 1 once this turn's five-alike fanfare played, else 0
+  int ck = 0;    // the player being named at set-up, 1 to nop; F12 changes their voice
 
   // Arrays.
+  // sheet[player][row][sheet]: a row's score, -1 while empty; index 0 unused.
   std::array<std::array<std::array<int, kSheets + 1>, kRows + 1>, kMaxPlayers + 1> sheet{};
-  std::array<std::string, kRows + 1> titles;
-  std::array<std::string, kMaxPlayers + 1> names;
-  std::array<int, kDice + 1> dye{};
-  std::array<int, kDice + 1> dyecopy{};
-  std::array<int, kMaxPlayers + 1> pv{};
-  std::array<int, kMaxPlayers + 1> pr{};
+  std::array<std::string, kRows + 1> titles;       // each row's spoken name, 1 to kRows
+  std::array<std::string, kMaxPlayers + 1> names;  // each player's name, 1 to nop
+  std::array<int, kDice + 1> dye{};                // the dice 1 to 5: faces 1 to 6, below 1 to roll
+  std::array<int, kDice + 1> dyecopy{};            // the dice as last rolled, for undoing a choice
+  std::array<int, kMaxPlayers + 1> pv{};           // each player's voice, as nv
+  std::array<int, kMaxPlayers + 1> pr{};           // each player's speech rate, as vr
 
   // Platform objects.
-  std::unique_ptr<SpeechVoice> Voice;
-  std::unique_ptr<DirectX8> dx8;
-  std::unique_ptr<DirectSound8> ds8;
-  std::unique_ptr<SoundBuffer> sbuf;
-  int sbdesc = 0;
+  std::unique_ptr<SpeechVoice> Voice;  // the voice speaking now
+  std::unique_ptr<DirectX8> dx8;       // the sound system
+  std::unique_ptr<DirectSound8> ds8;   // the sound device, maker of buffers
+  std::unique_ptr<SoundBuffer> sbuf;   // the sample loaded or playing; empty when none
+  int sbdesc = 0;                      // the sound buffers' capability flags
 
   // Driver fields.
-  std::array<int, kMaxPlayers + 1> fin{};
-  int nfin = 0;
-  std::array<int, kMaxPlayers + 1> tot{};
-  std::array<int, 8> cnt{};
-  int pts = 0;
-  int nroll = 0;
-  std::string fpath;
-  std::string msg;
-  int winner = 0;
-  int logged = 0;
+  std::array<int, kMaxPlayers + 1> fin{};  // 1 once a player has filled every sheet, else 0
+  int nfin = 0;                            // how many players have finished, 0 to nop
+  std::array<int, kMaxPlayers + 1> tot{};  // each player's final score, every sheet summed
+  std::array<int, 8> cnt{};                // dice per face 1 to 6 (the rules count in locals)
+  int pts = 0;                             // the value of the dice on the chosen row
+  int nroll = 0;                           // dice to roll this time, 0 to 5
+  std::string fpath;                       // the saved game's path
+  std::string msg;                         // the prompt being spoken
+  int winner = 0;                          // the player with the highest total, 1 to nop
+  int logged = 0;                          // 1 once this game's winner is in the log
 };
 
 // A number as the game speaks and writes it: a blank before a number that
