@@ -1,6 +1,7 @@
 // The driver: start-up, the turn loop, and every way out of the program.
 #include <optional>
 
+#include "file_names.h"
 #include "gamestate.h"
 #include "prompts.h"
 
@@ -48,8 +49,8 @@ bool Form1::startUp() {
   cotext();
   nv = 0;
   vr = 0;
-  readConfig(plat.CurrentDirectory() + "/quorble.cfg");
-  readConfig(join("quorble.cfg"));
+  readConfig(plat.CurrentDirectory() + "/" + file_names::kConfig);
+  readConfig(join(file_names::kConfig));
   Voice->SetVoice(nv);
   Voice->SetRate(vr);
   Voice->SetVolume(95);
@@ -68,7 +69,7 @@ bool Form1::startUp() {
   askins();
   dy(0.2);
   askspekey();
-  fpath = join("quorble.sav");
+  fpath = join(file_names::kSave);
   if (!present(fpath)) {
     newGame();
   } else {
@@ -244,7 +245,7 @@ void Form1::closeTail() {
 }
 
 void Form1::deleteSave() {
-  fpath = join("quorble.sav");
+  fpath = join(file_names::kSave);
   const std::string found = locate(fpath);
   if (!found.empty()) plat.DeleteFile(found);
 }
@@ -255,8 +256,8 @@ std::string Form1::launcherPath() { return locate(plat.CurrentDirectory() + "/lo
 // A saved game already on disk under another case is written over, so that
 // no stale copy can be taken up once this one is deleted.
 std::string Form1::savePath() {
-  const std::string found = locate(join("quorble.sav"));
-  return found.empty() ? join("quorble.sav") : found;
+  const std::string found = locate(join(file_names::kSave));
+  return found.empty() ? join(file_names::kSave) : found;
 }
 
 void Form1::releaseSound() {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "file_names.h"
 #include "gamestate.h"
 #include "scoresheet.h"
 
@@ -92,6 +93,8 @@ std::string Form1::SpecialFolder(int pFolder) {
   return pFolder == 5 ? plat.DocumentsFolder() : std::string();
 }
 
+std::string Form1::join(const std::string& name) const { return dp + "/" + name; }
+
 std::string Form1::locate(const std::string& path) {
   const std::string found = plat.FindName(path, false);
   return found.empty() ? found : FolderOf(path) + "/" + found;
@@ -118,7 +121,7 @@ void Form1::getdp() {
 }
 
 void Form1::cotext() {
-  if (present(join("quorble.txt"))) return;
+  if (present(join(file_names::kInstructions))) return;
   const std::string source = locate(plat.CurrentDirectory() + "/quorble.txt");
   if (source.empty()) return;
   const auto content = plat.ReadFile(source);
@@ -127,7 +130,7 @@ void Form1::cotext() {
   auto lines = Lines(*content);
   if (lines.empty()) lines.emplace_back();
   for (const auto& line : lines) copy += line + kEol;
-  plat.WriteFile(join("quorble.txt"), copy);
+  plat.WriteFile(join(file_names::kInstructions), copy);
 }
 
 void Form1::readConfig(const std::string& path) {
@@ -144,7 +147,7 @@ void Form1::readConfig(const std::string& path) {
 }
 
 void Form1::writeConfig() {
-  plat.WriteFile(join("quorble.cfg"), NumberLine(pv[1]) + NumberLine(pr[1]));
+  plat.WriteFile(join(file_names::kConfig), NumberLine(pv[1]) + NumberLine(pr[1]));
 }
 
 bool Form1::writeSave() {
@@ -215,7 +218,7 @@ bool Form1::readSave() {
   const auto content = plat.ReadFile(found);
   const auto game = content ? ParseSave(Lines(*content)) : std::nullopt;
   if (!game) {
-    plat.RenameFile(found, join("quorble.sav.bad"));
+    plat.RenameFile(found, join(file_names::kBadSave));
     say(" The saved game could not be read. A new game begins. ");
     return false;
   }
@@ -237,7 +240,7 @@ bool Form1::readSave() {
 
 void Form1::writeLog() {
   logged = 0;
-  fpath = join("quorblelog.txt");
+  fpath = join(file_names::kLog);
   std::string text = "Quorble log file " + DateText(plat.Today()) + " By Tavi Orlund" + kEol + kEol;
   titles[13] = "quorble ";
   titles[14] = " extra quorble ";

@@ -76,6 +76,9 @@ struct GameState {
 // is not negative, a minus sign before one that is, nothing behind.
 std::string nt(int n);
 
+// Whether all five dice show one face.
+bool FiveAlike(const std::array<int, kDice + 1>& dice);
+
 // The value of five dice on a row of the board, 0 when they don't fit.
 int RowValue(const std::array<int, kDice + 1>& dice, int row);
 

@@ -32,8 +32,6 @@ int CodeValue(const std::string& code) {
 
 }  // namespace
 
-std::string nt(int n) { return n < 0 ? std::to_string(n) : " " + std::to_string(n); }
-
 void Form1::Form_KeyDown(int keyCode) {
   g = std::to_string(keyCode);
   g2 = std::string(1, static_cast<char>(std::tolower(keyCode & 0xff)));

@@ -58,9 +58,11 @@ bool LargeStraight(const Dice& dice) {
   return !(cnt[1] == 1 && cnt[6] == 1);
 }
 
-bool FiveAlike(const Dice& dice) { return CountLike(dice, 1) == kDice; }
-
 }  // namespace
+
+std::string nt(int n) { return n < 0 ? std::to_string(n) : " " + std::to_string(n); }
+
+bool FiveAlike(const Dice& dice) { return CountLike(dice, 1) == kDice; }
 
 int RowValue(const Dice& dice, int row) {
   if (row >= 1 && row <= 6) {

@@ -20,10 +20,7 @@ void Form1::SayAllDye() {
     say2(LetterPhrase(i));
     if (dye[i] > 0) say2(nt(dye[i]));
   }
-  if (fnf == 1 || dye[1] < 1) return;
-  int alike = 0;
-  for (int i = 2; i <= kDice; ++i) alike += dye[i] == dye[1] ? 1 : 0;
-  if (alike < 4) return;
+  if (fnf == 1 || dye[1] < 1 || !FiveAlike(dye)) return;
   // The fanfare waits for the last value to be heard.
   say(" ");
   play(0);
@@ -204,9 +201,7 @@ RowChoice Form1::chooseRow() {
     dy(0.3);
     return RowChoice::Filled;
   }
-  int alike = 0;
-  for (int i = 2; i <= kDice; ++i) alike += dye[i] == dye[1] ? 1 : 0;
-  if (alike < 4) {
+  if (!FiveAlike(dye)) {
     dy(0.2);
     plat.Beep();
     say(" Sorry but you do not have a kwor-bul."

@@ -1,5 +1,6 @@
 // Speaking, the key echo, players' voices, samples and the two dialogues
 // for rate and voice.
+#include "file_names.h"
 #include "gamestate.h"
 #include "prompts.h"
 
@@ -7,6 +8,9 @@ namespace quorble {
 namespace {
 
 const YesNoPlace kVoicePlace{.byDefault = 2};
+
+// A number's sample is named by the last digit of its text.
+std::string SampleOf(int number) { return file_names::Sample(nt(number).back() - '0'); }
 
 }  // namespace
 
@@ -31,8 +35,6 @@ void Form1::setvoice() {
   Voice->SetRate(vr);
 }
 
-std::string Form1::join(const std::string& name) const { return dp + "/" + name; }
-
 void Form1::playFile(const std::string& name, int position, bool keyEnds) {
   clk();
   sbuf = ds8->CreateSoundBufferFromFile(plat.ProgramFolder() + "/" + name, sbdesc);
@@ -46,15 +48,17 @@ void Form1::playFile(const std::string& name, int position, bool keyEnds) {
   sbuf.reset();
 }
 
-// Samples are named by the last digit of the number's text.
-void Form1::play(int a) { playFile("quorble" + nt(a).substr(nt(a).size() - 1) + ".wav", 0, false); }
+void Form1::play(int a) { playFile(SampleOf(a), 0, false); }
 
-void Form1::play2(int a) { playFile("quorble" + nt(a).substr(nt(a).size() - 1) + ".wav", 0, true); }
+void Form1::play2(int a) { playFile(SampleOf(a), 0, true); }
 
-void Form1::playspec() { playFile("quorble5.wav", 40000, false); }
+void Form1::playspec() {
+  playFile(file_names::Sample(file_names::kSettlingSample), file_names::kSettlingTailOffset, false);
+}
 
 void Form1::openFiller() {
-  sbuf = ds8->CreateSoundBufferFromFile(plat.ProgramFolder() + "/quorble7.wav", sbdesc);
+  sbuf = ds8->CreateSoundBufferFromFile(
+      plat.ProgramFolder() + "/" + file_names::Sample(file_names::kFillerSample), sbdesc);
   fq = sbuf->GetFrequency() + 1;
   sbuf->SetCurrentPosition(0);
   sbuf->SetVolume(0);

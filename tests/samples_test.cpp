@@ -14,16 +14,18 @@
 #include <string>
 #include <vector>
 
+#include "file_names.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
 constexpr size_t kHeaderBytes = 44;
-constexpr size_t kTailOffsetBytes = 40000;  // where the game starts its settling sound
+constexpr size_t kTailOffsetBytes = quorble::file_names::kSettlingTailOffset;
 constexpr double kFullScale = 32768.0;
 
 std::vector<uint8_t> ReadBytes(int index, const fs::path& dir = QUORBLE_BUILD_DIR) {
-  std::ifstream file(dir / ("quorble" + std::to_string(index) + ".wav"), std::ios::binary);
+  std::ifstream file(dir / quorble::file_names::Sample(index), std::ios::binary);
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 

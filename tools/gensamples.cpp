@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "file_names.h"
+
 namespace {
 
 constexpr int kSampleRate = 22050;
@@ -22,7 +24,7 @@ constexpr double kTwoPi = 2.0 * std::numbers::pi;
 
 // The game plays quorble5.wav from this byte offset on as its own start-up sound, so the
 // five-dice layout is anchored here: the impacts are over and the gentle settling begins.
-constexpr int kTailOffsetBytes = 40000;
+constexpr int kTailOffsetBytes = quorble::file_names::kSettlingTailOffset;
 constexpr int kTailStartSample = kTailOffsetBytes / 2;
 
 using Signal = std::vector<double>;
@@ -376,7 +378,7 @@ int main(int argc, char** argv) {
       MakeLoadingLoop,
   };
   for (size_t index = 0; index < makers.size(); ++index) {
-    const auto path = out_dir / ("quorble" + std::to_string(index) + ".wav");
+    const auto path = out_dir / quorble::file_names::Sample(index);
     if (!WriteWav(path, makers[index]())) {
       std::cerr << "gensamples: cannot write " << path << "\n";
       return 1;

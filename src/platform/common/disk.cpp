@@ -10,16 +10,12 @@
 #include <sstream>
 #include <system_error>
 
+#include "lower_case.h"
+
 namespace fs = std::filesystem;
 
 namespace quorble::disk {
 namespace {
-
-std::string Lower(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
 
 // Splits "a/b/name" into its folder ("a/b", or "." for a bare name) and name.
 std::pair<fs::path, std::string> SplitPath(const std::string& path) {

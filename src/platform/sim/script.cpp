@@ -7,15 +7,10 @@
 #include <stdexcept>
 
 #include "keys.h"
+#include "lower_case.h"
 
 namespace quorble::sim {
 namespace {
-
-std::string Lower(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
 
 const std::map<std::string, int>& NamedKeys() {
   static const std::map<std::string, int> keys = {
