@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "file_names.h"
+#include "little_endian.h"
 
 namespace {
 
@@ -29,17 +30,11 @@ std::vector<uint8_t> ReadBytes(int index, const fs::path& dir = QUORBLE_BUILD_DI
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-uint32_t LittleEndian(const std::vector<uint8_t>& bytes, size_t at, int width) {
-  uint32_t value = 0;
-  for (int i = width - 1; i >= 0; --i) value = (value << 8) | bytes.at(at + i);
-  return value;
-}
-
 std::vector<int16_t> Samples(int index) {
   const auto bytes = ReadBytes(index);
   std::vector<int16_t> samples;
   for (size_t at = kHeaderBytes; at + 1 < bytes.size(); at += 2) {
-    samples.push_back(static_cast<int16_t>(LittleEndian(bytes, at, 2)));
+    samples.push_back(static_cast<int16_t>(quorble::ReadLittleEndian(bytes, at, 2)));
   }
   return samples;
 }
@@ -60,13 +55,14 @@ TEST(Samples, HeadersAreCanonicalPcm16BitMono22050) {
     };
     EXPECT_EQ(tag(0) + tag(8) + tag(12) + tag(36), "RIFFWAVEfmt data");
     // fmt size, PCM, mono, rate, bytes per second, block align, bits per sample
-    const std::vector<uint32_t> format = {LittleEndian(bytes, 16, 4), LittleEndian(bytes, 20, 2),
-                                          LittleEndian(bytes, 22, 2), LittleEndian(bytes, 24, 4),
-                                          LittleEndian(bytes, 28, 4), LittleEndian(bytes, 32, 2),
-                                          LittleEndian(bytes, 34, 2)};
+    const std::vector<uint32_t> format = {
+        quorble::ReadLittleEndian(bytes, 16, 4), quorble::ReadLittleEndian(bytes, 20, 2),
+        quorble::ReadLittleEndian(bytes, 22, 2), quorble::ReadLittleEndian(bytes, 24, 4),
+        quorble::ReadLittleEndian(bytes, 28, 4), quorble::ReadLittleEndian(bytes, 32, 2),
+        quorble::ReadLittleEndian(bytes, 34, 2)};
     EXPECT_EQ(format, (std::vector<uint32_t>{16, 1, 1, 22050, 44100, 2, 16}));
-    EXPECT_EQ(LittleEndian(bytes, 4, 4), bytes.size() - 8);
-    EXPECT_EQ(LittleEndian(bytes, 40, 4), bytes.size() - kHeaderBytes);
+    EXPECT_EQ(quorble::ReadLittleEndian(bytes, 4, 4), bytes.size() - 8);
+    EXPECT_EQ(quorble::ReadLittleEndian(bytes, 40, 4), bytes.size() - kHeaderBytes);
     EXPECT_EQ(bytes.size() % 2, 0u);
   }
 }

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "file_names.h"
+#include "little_endian.h"
 
 namespace {
 
@@ -323,32 +324,27 @@ Signal MakeLoadingLoop() {
 // ---------------------------------------------------------------------------------------------
 // Output
 
-// Byte by byte, so the file is little-endian whatever the host is.
-void PutLittleEndian(std::vector<char>& bytes, uint32_t value, int width) {
-  for (int i = 0; i < width; ++i) bytes.push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
-}
-
 void PutTag(std::vector<char>& bytes, const char* tag) { bytes.insert(bytes.end(), tag, tag + 4); }
 
 bool WriteWav(const std::filesystem::path& path, const Signal& signal) {
   const auto data_bytes = static_cast<uint32_t>(signal.size() * 2);
   std::vector<char> bytes;
   PutTag(bytes, "RIFF");
-  PutLittleEndian(bytes, 36 + data_bytes, 4);
+  quorble::AppendLittleEndian(bytes, 36 + data_bytes, 4);
   PutTag(bytes, "WAVE");
   PutTag(bytes, "fmt ");
-  PutLittleEndian(bytes, 16, 4);               // fmt chunk size
-  PutLittleEndian(bytes, 1, 2);                // PCM
-  PutLittleEndian(bytes, 1, 2);                // mono
-  PutLittleEndian(bytes, kSampleRate, 4);      // frames per second
-  PutLittleEndian(bytes, kSampleRate * 2, 4);  // bytes per second
-  PutLittleEndian(bytes, 2, 2);                // block align
-  PutLittleEndian(bytes, 16, 2);               // bits per sample
+  quorble::AppendLittleEndian(bytes, 16, 4);               // fmt chunk size
+  quorble::AppendLittleEndian(bytes, 1, 2);                // PCM
+  quorble::AppendLittleEndian(bytes, 1, 2);                // mono
+  quorble::AppendLittleEndian(bytes, kSampleRate, 4);      // frames per second
+  quorble::AppendLittleEndian(bytes, kSampleRate * 2, 4);  // bytes per second
+  quorble::AppendLittleEndian(bytes, 2, 2);                // block align
+  quorble::AppendLittleEndian(bytes, 16, 2);               // bits per sample
   PutTag(bytes, "data");
-  PutLittleEndian(bytes, data_bytes, 4);
+  quorble::AppendLittleEndian(bytes, data_bytes, 4);
   for (double value : signal) {
     const long sample = std::lround(std::clamp(value, -1.0, 1.0) * 32767.0);
-    PutLittleEndian(bytes, static_cast<uint32_t>(static_cast<int16_t>(sample)), 2);
+    quorble::AppendLittleEndian(bytes, static_cast<uint32_t>(static_cast<int16_t>(sample)), 2);
   }
   std::ofstream file(path, std::ios::binary);
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));

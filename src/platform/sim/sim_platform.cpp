@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "little_endian.h"
 #include "platform/common/disk.h"
 
 namespace quorble::sim {
@@ -23,13 +24,6 @@ std::string BareName(const std::string& path) {
   return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
-std::uint32_t Le(const std::string& bytes, size_t at, int width) {
-  std::uint32_t value = 0;
-  for (int i = width - 1; i >= 0; --i)
-    value = (value << 8) | static_cast<unsigned char>(bytes[at + i]);
-  return value;
-}
-
 struct WavFacts {
   int rate = 22050;
   int blockAlign = 2;
@@ -46,10 +40,10 @@ WavFacts ReadWavFacts(const std::string& path) {
   }
   for (size_t at = 12; at + 8 <= bytes->size();) {
     const std::string id = bytes->substr(at, 4);
-    const std::uint32_t size = Le(*bytes, at + 4, 4);
+    const std::uint32_t size = ReadLittleEndian(*bytes, at + 4, 4);
     if (id == "fmt " && at + 24 <= bytes->size()) {
-      facts.rate = static_cast<int>(Le(*bytes, at + 12, 4));
-      facts.blockAlign = std::max(1, static_cast<int>(Le(*bytes, at + 20, 2)));
+      facts.rate = static_cast<int>(ReadLittleEndian(*bytes, at + 12, 4));
+      facts.blockAlign = std::max(1, static_cast<int>(ReadLittleEndian(*bytes, at + 20, 2)));
     } else if (id == "data") {
       facts.dataBytes = std::min<std::int64_t>(size, bytes->size() - at - 8);
       return facts;
