@@ -122,7 +122,13 @@ void Form1::getdp() {
 
 void Form1::cotext() {
   if (present(join(file_names::kInstructions))) return;
-  const std::string source = locate(plat.CurrentDirectory() + "/quorble.txt");
+  std::string source = locate(plat.CurrentDirectory() + "/" + file_names::kInstructions);
+  // A game started from a menu stands in a folder without the text; the
+  // copy that came with the program serves then. Not when the data folder is
+  // the current folder: nothing of the program's own is put there.
+  if (source.empty() && dp != plat.CurrentDirectory()) {
+    source = locate(plat.ProgramFolder() + "/" + file_names::kInstructions);
+  }
   if (source.empty()) return;
   const auto content = plat.ReadFile(source);
   if (!content) return;

@@ -209,6 +209,35 @@ TEST(Files, SaveThatCannotBeWrittenGoesBackToTheTurn) {
                 R"(" Press R, to roll the dice ")"));
 }
 
+// The instruction text is copied once into the data folder: the current
+// folder's first, else the one beside the samples, never over a copy that
+// is there, and never from the program into the current folder.
+TEST(Files, InstructionTextFromTheCurrentFolderElseTheProgramsOwn) {
+  const std::string programs = SimWorld::Read(fs::path(QUORBLE_SAMPLES) / "quorble.txt");
+  ASSERT_FALSE(programs.empty());
+  struct Case {
+    const char* inCwd;   // nullptr: none there
+    const char* inData;  // nullptr: none there
+    bool documents;
+    std::string copy;  // what the data folder holds afterwards; "" for nothing
+  };
+  const Case kCases[] = {
+      {nullptr, nullptr, true, programs}, {"own\nlast", nullptr, true, "own\r\nlast\r\n"},
+      {"own\n", "kept", true, "kept"},    {nullptr, "kept", true, "kept"},
+      {nullptr, nullptr, false, ""},
+  };
+  for (const Case& c : kCases) {
+    SimWorld world;
+    if (c.inCwd) SimWorld::Write(world.Cwd() / "quorble.txt", c.inCwd);
+    if (c.inData) SimWorld::Write(world.Data() / "quorble.txt", c.inData);
+    const SimRun run = world.Run("key n n\n", c.documents);
+    ASSERT_EQ(run.status, 3) << run.Dump();
+    const fs::path data = c.documents ? world.Data() : world.Cwd();
+    EXPECT_EQ(SimWorld::Read(data / "quorble.txt"), c.copy)
+        << (c.inCwd ? c.inCwd : "none in the current folder");
+  }
+}
+
 TEST(Files, ClosedWindowLosesNoGame) {
   SimWorld world;
   SimWorld::Write(world.Cwd() / "lobbyhub.exe", "");

@@ -142,11 +142,13 @@ class SimWorld {
     std::ofstream(path, std::ios::binary) << bytes;
   }
 
-  SimRun Run(const std::string& script) const {
+  // Without `documents` the user has no documents folder.
+  SimRun Run(const std::string& script, bool documents = true) const {
     Write(root_ / "script", script);
     const auto quoted = [](const fs::path& path) { return " '" + path.string() + "'"; };
+    const fs::path docs = documents ? root_ / "docs" : fs::path();
     const std::string command = std::string(QUORBLE_SIM) + " --samples" + quoted(QUORBLE_SAMPLES) +
-                                " --cwd" + quoted(Cwd()) + " --docs" + quoted(root_ / "docs") +
+                                " --cwd" + quoted(Cwd()) + " --docs" + quoted(docs) +
                                 quoted(root_ / "script") + " >" + quoted(root_ / "out") + " 2>" +
                                 quoted(root_ / "err");
     SimRun run;

@@ -1,14 +1,73 @@
 // The game on a Linux desktop.
 #include <SDL.h>
 
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
 
+#include "app/options.h"
 #include "gamestate.h"
 #include "platform/desktop/desktop_platform.h"
+#include "platform/desktop/mixer.h"
 #include "platform/desktop/signals.h"
+#include "platform/desktop/speech_espeak.h"
 
 namespace {
+
+constexpr int kSuccess = 0;
+constexpr int kFailed = 1;
+constexpr int kBadUsage = 2;
+
+constexpr std::string_view kNoDisplay =
+    "no display to open a window on; start the game from a desktop session";
+// Long enough for the sentence, short enough that a script waiting on us
+// is not kept waiting.
+constexpr auto kLongestNotice = std::chrono::milliseconds(4000);
+constexpr int kNoticeWordsPerMinute = 200;
+
+const std::vector<quorble::app::OptionSpec> kOptionSpecs = {
+    {.name = "--help", .help = "print this help and exit"},
+    {.name = "--version", .help = "print the version and exit"},
+};
+
+std::string Usage() {
+  return "Usage: quorble [OPTION]...\n"
+         "Quorble, a dice game played wholly by ear. Its keys are told in quorble(6).\n"
+         "\n"
+         "Options:\n" +
+         quorble::app::OptionHelp(kOptionSpecs);
+}
+
+bool IsSet(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
+// Says `text` through the speech engine when there is a sound device to
+// hear it on, and waits for it within kLongestNotice.
+void SayAloud(const std::string& text) {
+  const auto deadline = std::chrono::steady_clock::now() + kLongestNotice;
+  auto mixer = std::make_shared<quorble::desktop::Mixer>([] {});
+  if (!mixer->HasDevice()) return;
+  quorble::desktop::SpeechEngine speech(mixer, false);
+  if (speech.VoiceCount() == 0) return;
+  speech.Queue({.text = text, .wordsPerMinute = kNoticeWordsPerMinute});
+  while (speech.Speaking() && std::chrono::steady_clock::now() < deadline) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  }
+}
+
+int NoDisplay() {
+  std::fprintf(stderr, "quorble: %s\n", std::string(kNoDisplay).c_str());
+  SayAloud("Quorble: " + std::string(kNoDisplay));
+  return kFailed;
+}
 
 class SdlSession {
  public:
@@ -27,22 +86,54 @@ class SdlSession {
   bool ok_ = false;
 };
 
+// Without a desktop session SDL falls back to drivers whose window nobody
+// can see or type into; a driver the user chose is taken at their word.
+bool OnDesktopDriver() {
+  const std::string_view driver = SDL_GetCurrentVideoDriver() ? SDL_GetCurrentVideoDriver() : "";
+  return driver == "x11" || driver == "wayland";
+}
+
+int Play() {
+  quorble::desktop::QuitOnSignals signals;  // before any other thread starts
+  const bool driverChosen = IsSet("SDL_VIDEODRIVER");
+  if (!driverChosen && !IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY")) return NoDisplay();
+  {
+    SdlSession sdl;
+    if (sdl.ok() && (driverChosen || OnDesktopDriver())) {
+      try {
+        quorble::desktop::DesktopPlatform platform;
+        quorble::Form1 form(platform);
+        form.Form_Load();
+        return platform.HasVoices() ? kSuccess : kFailed;
+      } catch (const std::exception& error) {
+        std::fprintf(stderr, "quorble: stopped: %s\n", error.what());
+        return kFailed;
+      }
+    }
+  }
+  return NoDisplay();
+}
+
 }  // namespace
 
-int main() {
-  quorble::desktop::QuitOnSignals signals;  // before any other thread starts
-  SdlSession sdl;
-  if (!sdl.ok()) {
-    std::fprintf(stderr, "Quorble can't start: %s\n", SDL_GetError());
-    return 1;
+int main(int argc, char** argv) {
+  quorble::app::ParseError error;
+  const auto options = quorble::app::ParseOptions(
+      kOptionSpecs, std::vector<std::string>(argv + 1, argv + argc), std::getenv, error);
+  if (options && !options->positional.empty()) {
+    error.message = "unexpected argument '" + options->positional.front() + "'";
   }
-  try {
-    quorble::desktop::DesktopPlatform platform;
-    quorble::Form1 form(platform);
-    form.Form_Load();
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "Quorble stopped: %s\n", error.what());
-    return 1;
+  if (!options || !options->positional.empty()) {
+    std::fprintf(stderr, "quorble: %s\n%s", error.message.c_str(), Usage().c_str());
+    return kBadUsage;
   }
-  return 0;
+  if (options->Has("--help")) {
+    std::fputs(Usage().c_str(), stdout);
+    return kSuccess;
+  }
+  if (options->Has("--version")) {
+    std::printf("quorble %s\n", QUORBLE_VERSION);
+    return kSuccess;
+  }
+  return Play();
 }

@@ -52,6 +52,12 @@ std::string WithNewlines(const std::string& text) {
   return lines;
 }
 
+// Where this build installs its data; asked only when the install tree
+// around the executable holds no samples.
+#ifndef QUORBLE_INSTALLED_DATADIR
+#define QUORBLE_INSTALLED_DATADIR ""
+#endif
+
 bool Tracing() {
   const char* trace = std::getenv("QUORBLE_TRACE");
   return trace != nullptr && *trace != '\0' && *trace != '0';
@@ -75,7 +81,12 @@ DesktopPlatform::DesktopPlatform()
         event.type = wake;
         SDL_PushEvent(&event);
       })),
-      speech_(std::make_shared<SpeechEngine>(mixer_, trace_)) {
+      speech_(std::make_shared<SpeechEngine>(mixer_, trace_)),
+      programFolder_(ProgramFolderFor(disk::ExecutableFolder(), QUORBLE_INSTALLED_DATADIR)) {
+  if (trace_) std::fprintf(stderr, "samples: %s\n", programFolder_.c_str());
+  if (!mixer_->HasDevice()) {
+    std::fprintf(stderr, "quorble: no sound device could be opened; playing on in silence\n");
+  }
   for (SDL_EventType type : kIgnoredEvents) SDL_EventState(type, SDL_IGNORE);
   SDL_StopTextInput();
 }
@@ -121,12 +132,12 @@ void DesktopPlatform::WaitEvent(WaitFor /*what*/, double deadline) {
   SDL_FlushEvent(wakeEvent_);
 }
 
+// A player at a terminal, or one whose screen reader misses the box, reads
+// the same text there.
 void DesktopPlatform::MessageBox(const std::string& text) {
   const std::string lines = WithNewlines(text);
-  if (SDL_ShowSimpleMessageBox(SDL_MESSAGEBOX_INFORMATION, "Quorble", lines.c_str(),
-                               window_.get()) != 0) {
-    std::fprintf(stderr, "%s\n", lines.c_str());
-  }
+  std::fprintf(stderr, "quorble: %s\n", lines.c_str());
+  SDL_ShowSimpleMessageBox(SDL_MESSAGEBOX_INFORMATION, "Quorble", lines.c_str(), window_.get());
 }
 
 void DesktopPlatform::Beep() { mixer_->Beep(); }
@@ -164,7 +175,7 @@ std::unique_ptr<DirectX8> DesktopPlatform::NewDirectX8() {
 
 std::string DesktopPlatform::DocumentsFolder() { return UserDocumentsFolder(); }
 std::string DesktopPlatform::CurrentDirectory() { return disk::CurrentDirectory(); }
-std::string DesktopPlatform::ProgramFolder() { return disk::ExecutableFolder(); }
+std::string DesktopPlatform::ProgramFolder() { return programFolder_; }
 
 void DesktopPlatform::Launch(const std::string& path, int /*windowStyle*/) { LaunchDetached(path); }
 

@@ -47,6 +47,9 @@ class DesktopPlatform final : public DiskPlatform {
 
   // For measurements of the sound path.
   Mixer& AudioMixer() { return *mixer_; }
+  // False when the speech engine offers no voice, and the game could only
+  // say so in a box and leave.
+  bool HasVoices() const { return speech_->VoiceCount() > 0; }
 
  private:
   void PaintBlack();
@@ -57,6 +60,7 @@ class DesktopPlatform final : public DiskPlatform {
   std::shared_ptr<Mixer> mixer_;
   std::shared_ptr<SpeechEngine> speech_;
   Rng random_;
+  const std::string programFolder_;
 };
 
 }  // namespace quorble::desktop

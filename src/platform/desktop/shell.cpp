@@ -18,6 +18,10 @@ namespace {
 
 constexpr std::string_view kDocumentsKey = "XDG_DOCUMENTS_DIR=";
 constexpr std::string_view kHomeVariable = "$HOME";
+// The one sample every run opens first; where it lies, the others lie too.
+constexpr std::string_view kSampleMark = "quorble7.wav";
+// Where an install tree keeps the samples, seen from the executable's folder.
+constexpr std::string_view kInstalledDataFolders[] = {"../share/games/quorble", "../share/quorble"};
 
 std::string_view Trimmed(std::string_view text) {
   const auto first = text.find_first_not_of(" \t\r");
@@ -55,6 +59,11 @@ bool IsFolder(const std::string& path) {
   return !path.empty() && std::filesystem::is_directory(path, ec);
 }
 
+bool HoldsSamples(const std::filesystem::path& folder) {
+  std::error_code ec;
+  return std::filesystem::is_regular_file(folder / kSampleMark, ec);
+}
+
 }  // namespace
 
 std::string DocumentsFolderIn(std::string_view userDirs, const std::string& home) {
@@ -74,15 +83,28 @@ std::string DocumentsFolderIn(std::string_view userDirs, const std::string& home
   return found == WithoutTrailingSlashes(home) ? std::string() : found;
 }
 
+// A folder named but never made would make every save fail; the home
+// folder is what xdg-user-dirs itself falls back to.
 std::string UserDocumentsFolder() {
-  const std::string home = HomeFolder();
-  if (home.empty()) return {};
+  const std::string home = WithoutTrailingSlashes(HomeFolder());
+  if (!IsFolder(home)) return {};
   if (auto userDirs = disk::ReadFile(UserDirsFile(home))) {
     const std::string named = DocumentsFolderIn(*userDirs, home);
     if (IsFolder(named)) return named;
   }
-  const std::string usual = home + "/Documents";
-  return IsFolder(usual) ? usual : std::string();
+  return home;
+}
+
+std::string ProgramFolderFor(const std::string& executableFolder,
+                             const std::string& installedFolder) {
+  namespace fs = std::filesystem;
+  if (HoldsSamples(executableFolder)) return executableFolder;
+  for (std::string_view relative : kInstalledDataFolders) {
+    const fs::path candidate = (fs::path(executableFolder) / relative).lexically_normal();
+    if (HoldsSamples(candidate)) return WithoutTrailingSlashes(candidate.string());
+  }
+  if (!installedFolder.empty() && HoldsSamples(installedFolder)) return installedFolder;
+  return executableFolder;
 }
 
 void LaunchDetached(const std::string& path) {
