@@ -46,14 +46,17 @@ status=$?
   grep -q '^Usage: quorble' "$WORK/err" && [[ ! -s "$WORK/out" ]] ||
   fail "an unknown option did not print one line and the usage on stderr alone"
 
-say "no display"
-started=$SECONDS
-env -u DISPLAY -u WAYLAND_DISPLAY -u SDL_VIDEODRIVER timeout 10 "$GAME" 2>"$WORK/err"
-status=$?
-((status == 1)) || fail "without a display the game exited with $status, not 1"
-((SECONDS - started <= 5)) || fail "without a display the game took $((SECONDS - started)) s"
-grep -q '^quorble: no display to open a window on; ' "$WORK/err" || fail "no word of the missing display"
-nothing_written "a start without a display"
+# No display named, and one named that nobody serves.
+for display in "" ":999"; do
+  say "no display (DISPLAY=$display)"
+  started=$SECONDS
+  env -u WAYLAND_DISPLAY -u SDL_VIDEODRIVER DISPLAY="$display" timeout 10 "$GAME" 2>"$WORK/err"
+  status=$?
+  ((status == 1)) || fail "without a display the game exited with $status, not 1"
+  ((SECONDS - started <= 5)) || fail "without a display the game took $((SECONDS - started)) s"
+  grep -q '^quorble: no display to open a window on; ' "$WORK/err" || fail "no word of the missing display"
+  nothing_written "a start without a display"
+done
 
 start_xvfb
 
