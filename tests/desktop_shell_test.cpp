@@ -106,7 +106,7 @@ class ScopedVariable {
   std::optional<std::string> old_;
 };
 
-TEST(DocumentsFolderTest, FollowsUserDirsElseTheHomeFolder) {
+TEST(DocumentsFolderTest, FollowsUserDirsElseDocumentsElseTheHomeFolder) {
   struct Case {
     const char* userDirs;  // nullptr: no such file
     std::vector<std::string> folders;
@@ -114,9 +114,9 @@ TEST(DocumentsFolderTest, FollowsUserDirsElseTheHomeFolder) {
   };
   const Case kCases[] = {
       {"XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n", {"home/Papers", "home/Documents"}, "home/Papers"},
-      {"XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n", {"home/Documents"}, "home"},  // named, not made
-      {"XDG_DOCUMENTS_DIR=\"$HOME\"\n", {"home/Documents"}, "home"},
-      {nullptr, {"home/Documents"}, "home"},
+      {"XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n", {"home/Documents"}, "home/Documents"},  // not made
+      {"XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n", {"home"}, "home"},
+      {nullptr, {"home/Documents"}, "home/Documents"},
       {nullptr, {"home"}, "home"},
       {nullptr, {}, nullptr},  // no home folder at all
   };

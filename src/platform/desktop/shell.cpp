@@ -83,8 +83,10 @@ std::string DocumentsFolderIn(std::string_view userDirs, const std::string& home
   return found == WithoutTrailingSlashes(home) ? std::string() : found;
 }
 
-// A folder named but never made would make every save fail; the home
-// folder is what xdg-user-dirs itself falls back to.
+// A folder named but never made would make every save fail. Without a
+// usable entry, ~/Documents is kept when it is there, so that a machine
+// without user-dirs.dirs still finds the games saved there before; then the
+// home folder, which is what xdg-user-dirs itself falls back to.
 std::string UserDocumentsFolder() {
   const std::string home = WithoutTrailingSlashes(HomeFolder());
   if (!IsFolder(home)) return {};
@@ -92,7 +94,8 @@ std::string UserDocumentsFolder() {
     const std::string named = DocumentsFolderIn(*userDirs, home);
     if (IsFolder(named)) return named;
   }
-  return home;
+  const std::string conventional = home + "/Documents";
+  return IsFolder(conventional) ? conventional : home;
 }
 
 std::string ProgramFolderFor(const std::string& executableFolder,
