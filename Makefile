@@ -9,7 +9,8 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 # appstream and groff-base check the package, menu entry, metainfo and manual.
 PACKAGES := g++ cmake make pkg-config libsdl2-dev libespeak-ng-dev espeak-ng-data \
             libgtest-dev libgmock-dev xvfb xdotool \
-            dpkg-dev file lintian desktop-file-utils appstream groff-base
+            dpkg-dev file lintian desktop-file-utils appstream groff-base \
+            libspeechd-dev speech-dispatcher speech-dispatcher-espeak-ng pulseaudio
 
 .PHONY: deps build test run package clean
 

@@ -34,6 +34,10 @@ constexpr int kNoticeWordsPerMinute = 200;
 const std::vector<quorble::app::OptionSpec> kOptionSpecs = {
     {.name = "--help", .help = "print this help and exit"},
     {.name = "--version", .help = "print the version and exit"},
+    {.name = "--speech",
+     .envVar = "QUORBLE_SPEECH",
+     .valueName = "espeak|dispatcher",
+     .help = "speak with the built-in espeak-ng (default) or through speech-dispatcher"},
 };
 
 std::string Usage() {
@@ -93,7 +97,7 @@ bool OnDesktopDriver() {
   return driver == "x11" || driver == "wayland";
 }
 
-int Play() {
+int Play(quorble::desktop::SpeechBackend speech) {
   quorble::desktop::QuitOnSignals signals;  // before any other thread starts
   const bool driverChosen = IsSet("SDL_VIDEODRIVER");
   if (!driverChosen && !IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY")) return NoDisplay();
@@ -101,7 +105,7 @@ int Play() {
     SdlSession sdl;
     if (sdl.ok() && (driverChosen || OnDesktopDriver())) {
       try {
-        quorble::desktop::DesktopPlatform platform;
+        quorble::desktop::DesktopPlatform platform(speech);
         quorble::Form1 form(platform);
         form.Form_Load();
         return platform.HasVoices() ? kSuccess : kFailed;
@@ -135,5 +139,11 @@ int main(int argc, char** argv) {
     std::printf("quorble %s\n", QUORBLE_VERSION);
     return kSuccess;
   }
-  return Play();
+  const std::string speechName = options->Value("--speech", "espeak");
+  const auto speech = quorble::desktop::SpeechBackendNamed(speechName);
+  if (!speech) {
+    std::fprintf(stderr, "quorble: unknown speech '%s'\n%s", speechName.c_str(), Usage().c_str());
+    return kBadUsage;
+  }
+  return Play(*speech);
 }

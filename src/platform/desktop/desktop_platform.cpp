@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <functional>
 #include <stdexcept>
 
 #include "platform/common/disk.h"
@@ -63,6 +64,15 @@ bool Tracing() {
   return trace != nullptr && *trace != '\0' && *trace != '0';
 }
 
+// What the sound and speech threads call to end the game's wait.
+std::function<void()> Waker(Uint32 wakeEvent) {
+  return [wakeEvent] {
+    SDL_Event event{};
+    event.type = wakeEvent;
+    SDL_PushEvent(&event);
+  };
+}
+
 std::tm LocalNow(std::chrono::system_clock::time_point now) {
   const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
   std::tm local{};
@@ -72,17 +82,13 @@ std::tm LocalNow(std::chrono::system_clock::time_point now) {
 
 }  // namespace
 
-DesktopPlatform::DesktopPlatform()
+DesktopPlatform::DesktopPlatform(SpeechBackend speech)
     : trace_(Tracing()),
       wakeEvent_(SDL_RegisterEvents(1)),
       window_(MakeWindow()),
-      mixer_(std::make_shared<Mixer>([wake = wakeEvent_] {
-        SDL_Event event{};
-        event.type = wake;
-        SDL_PushEvent(&event);
-      })),
-      speech_(std::make_shared<SpeechEngine>(mixer_, trace_)),
+      mixer_(std::make_shared<Mixer>(Waker(wakeEvent_))),
       programFolder_(ProgramFolderFor(disk::ExecutableFolder(), QUORBLE_INSTALLED_DATADIR)) {
+  StartSpeech(speech);
   if (trace_) std::fprintf(stderr, "samples: %s\n", programFolder_.c_str());
   if (!mixer_->HasDevice()) {
     std::fprintf(stderr, "quorble: no sound device could be opened; playing on in silence\n");
@@ -166,7 +172,27 @@ void DesktopPlatform::Randomize(double seed) { random_.Seed(seed); }
 float DesktopPlatform::Rnd() { return random_.Next(); }
 
 std::unique_ptr<SpeechVoice> DesktopPlatform::NewSpVoice() {
+  if (dispatcher_) return std::make_unique<DispatcherVoice>(dispatcher_);
   return std::make_unique<EspeakVoice>(speech_);
+}
+
+// A player who asked for their own speech and doesn't get it must hear
+// why the voice is another: the sentence is queued before the greeting.
+void DesktopPlatform::StartSpeech(SpeechBackend backend) {
+  if (backend == SpeechBackend::Dispatcher) {
+    std::string error;
+    dispatcher_ = DispatcherConnection::Open(trace_, Waker(wakeEvent_), error);
+    if (dispatcher_) return;
+    std::fprintf(stderr,
+                 "quorble: speech-dispatcher can't be reached (%s); speaking with espeak-ng\n",
+                 error.c_str());
+  }
+  speech_ = std::make_shared<SpeechEngine>(mixer_, trace_);
+  if (backend == SpeechBackend::Dispatcher) {
+    speech_->Queue(
+        {" Your speech dispatcher could not be reached, so the game speaks with its own "
+         "voice. "});
+  }
 }
 
 std::unique_ptr<DirectX8> DesktopPlatform::NewDirectX8() {

@@ -2,6 +2,8 @@
 // espeak-ng for speech and one SDL2 mixer for every sound. SDL's video and
 // events must be initialised before it is made. With QUORBLE_TRACE=1 in
 // the environment it writes each key and each text spoken to stderr.
+// Speech may go through the player's speech-dispatcher instead; when that
+// can't be reached the platform says so and speaks with espeak-ng.
 #pragma once
 
 #include <SDL.h>
@@ -13,6 +15,7 @@
 #include "platform/common/rng.h"
 #include "platform/desktop/mixer.h"
 #include "platform/desktop/sdl_handles.h"
+#include "platform/desktop/speech_dispatcher.h"
 #include "platform/desktop/speech_espeak.h"
 #include "platform/platform.h"
 
@@ -20,7 +23,8 @@ namespace quorble::desktop {
 
 class DesktopPlatform final : public DiskPlatform {
  public:
-  DesktopPlatform();  // throws std::runtime_error when no window can be made
+  // Throws std::runtime_error when no window can be made.
+  explicit DesktopPlatform(SpeechBackend speech = SpeechBackend::Espeak);
   ~DesktopPlatform() override;
   DesktopPlatform(const DesktopPlatform&) = delete;
   DesktopPlatform& operator=(const DesktopPlatform&) = delete;
@@ -49,16 +53,20 @@ class DesktopPlatform final : public DiskPlatform {
   Mixer& AudioMixer() { return *mixer_; }
   // False when the speech engine offers no voice, and the game could only
   // say so in a box and leave.
-  bool HasVoices() const { return speech_->VoiceCount() > 0; }
+  bool HasVoices() const {
+    return (dispatcher_ ? dispatcher_->VoiceCount() : speech_->VoiceCount()) > 0;
+  }
 
  private:
   void PaintBlack();
+  void StartSpeech(SpeechBackend backend);
 
   const bool trace_;  // keys and speech to stderr, for tests that can't listen
   const Uint32 wakeEvent_;
   Window window_;
   std::shared_ptr<Mixer> mixer_;
-  std::shared_ptr<SpeechEngine> speech_;
+  std::shared_ptr<SpeechEngine> speech_;              // the embedded engine, when it speaks
+  std::shared_ptr<DispatcherConnection> dispatcher_;  // or the player's daemon
   Rng random_;
   const std::string programFolder_;
 };
