@@ -131,19 +131,19 @@ std::shared_ptr<DispatcherConnection> DispatcherConnection::Open(bool trace,
     std::free(failure);
     return nullptr;
   }
-  std::shared_ptr<DispatcherConnection> opened(
+  // A daemon that offers no voice at all is the game's own "no voices"
+  // case, told to the player as it always is.
+  return std::shared_ptr<DispatcherConnection>(
       new DispatcherConnection(connection, trace, std::move(wake)));
-  if (opened->VoiceCount() == 0) {
-    error = "the daemon offers no voice";
-    return nullptr;
-  }
-  return opened;
 }
 
 DispatcherConnection::DispatcherConnection(void* connection, bool trace, std::function<void()> wake)
     : connection_(connection), trace_(trace), wake_(std::move(wake)) {
-  voices_ = OfferedVoices(ListVoices(Spd(connection_)), LanguageOf(Spd(connection_)),
-                          std::filesystem::exists("/usr/share/mbrola"));
+  // libspeechd serialises the calls of several threads on one connection.
+  voices_ = std::async(std::launch::async, [spd = Spd(connection_)] {
+              return OfferedVoices(ListVoices(spd), LanguageOf(spd),
+                                   std::filesystem::exists("/usr/share/mbrola"));
+            }).share();
   // The daemon hands out the player's configured rate and volume to a new
   // client; keep them, since reading them back later is unreliable.
   playerRate_ = std::clamp(spd_get_voice_rate(Spd(connection_)), kDaemonSlowest, kDaemonFastest);
@@ -164,6 +164,7 @@ DispatcherConnection::DispatcherConnection(void* connection, bool trace, std::fu
 }
 
 DispatcherConnection::~DispatcherConnection() {
+  voices_.wait();
   spd_cancel(Spd(connection_));
   {
     std::lock_guard lock(liveMutex);
@@ -195,11 +196,13 @@ void DispatcherConnection::Finished(int message, bool cancelled) {
 // Each change is traced once the daemon has taken it.
 void DispatcherConnection::Apply(const DispatcherSettings& settings) {
   SPDConnection* spd = Spd(connection_);
-  const int voice = std::clamp(settings.voice, 0, VoiceCount() - 1);
-  const std::string& name = voices_[static_cast<size_t>(voice)];
-  if (voice != sentVoice_ && spd_set_synthesis_voice(spd, name.c_str()) == 0) {
-    sentVoice_ = voice;
-    if (trace_) std::fprintf(stderr, "speech voice: %s\n", name.c_str());
+  const int voice = std::clamp(settings.voice, 0, std::max(VoiceCount() - 1, 0));
+  if (voice != sentVoice_ && voice < VoiceCount()) {
+    const std::string& name = voices_.get()[static_cast<size_t>(voice)];
+    if (spd_set_synthesis_voice(spd, name.c_str()) == 0) {
+      sentVoice_ = voice;
+      if (trace_) std::fprintf(stderr, "speech voice: %s\n", name.c_str());
+    }
   }
   const int rate = DispatcherRate(playerRate_, settings.rate);
   if (rate != sentRate_ && spd_set_voice_rate(spd, rate) == 0) {

@@ -8,6 +8,7 @@
 
 #include <condition_variable>
 #include <functional>
+#include <future>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -72,7 +73,7 @@ struct DispatcherSettings {
 class DispatcherConnection {
  public:
   // Nothing, with `error` set, when the daemon can't be reached (not
-  // installed, not running and not autospawnable) or offers no voice.
+  // installed, not running and not autospawnable).
   // `wake` is called, on libspeechd's thread, whenever a message ends.
   static std::shared_ptr<DispatcherConnection> Open(bool trace, std::function<void()> wake,
                                                     std::string& error);
@@ -80,7 +81,9 @@ class DispatcherConnection {
   DispatcherConnection(const DispatcherConnection&) = delete;
   DispatcherConnection& operator=(const DispatcherConnection&) = delete;
 
-  int VoiceCount() const { return static_cast<int>(voices_.size()); }
+  // The first call waits for the list, which the daemon takes a second or
+  // more to send; the game asks for it while its filler sample sounds.
+  int VoiceCount() const { return static_cast<int>(voices_.get().size()); }
   void Say(const std::string& text, const DispatcherSettings& settings);
   // Silences what sounds and drops what we queued; other clients' speech,
   // the screen reader's above all, is left alone.
@@ -98,7 +101,7 @@ class DispatcherConnection {
   void* const connection_;  // libspeechd's SPDConnection, an unnamed struct
   const bool trace_;
   const std::function<void()> wake_;
-  std::vector<std::string> voices_;
+  std::shared_future<std::vector<std::string>> voices_;
   int playerRate_ = 0;
   int playerVolume_ = 100;
   // What the daemon holds for this connection now; -1: its own voice.
