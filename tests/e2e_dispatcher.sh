@@ -192,4 +192,6 @@ await "to roll the dice" && press Escape
 await "exit the game without saving" && press Up Return
 await "thank you for playing"
 finish_game
+# Only the daemon reports ends: the embedded engine spoke all of this run.
+grep -q "^speech ended: " "$TRACE" && fail "the daemon spoke in the run without it"
 say "passed"

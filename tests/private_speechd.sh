@@ -12,6 +12,8 @@ speechd_start() {
   mkdir -p "$dir/rt" "$dir/conf/modules" "$dir/log" || return 1
   chmod 700 "$dir/rt"
   export XDG_RUNTIME_DIR="$dir/rt"
+  # An address of the user's would lead clients to the user's daemon.
+  unset SPEECHD_ADDRESS
   export PULSE_RUNTIME_PATH="$dir/rt/pulse" PULSE_SERVER="unix:$dir/rt/pulse/native"
   # No suspend-on-idle: a null sink that wakes from suspend stalls its
   # first stream for about two seconds.
