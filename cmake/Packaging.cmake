@@ -22,6 +22,9 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 # library names.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS espeak-ng-data)
+# Only --speech=dispatcher needs a daemon; the library alone comes with the
+# dependencies found from the binary.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS speech-dispatcher)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # The summary above is the first line; cpack indents these and turns the
 # blank line into the paragraph mark.
