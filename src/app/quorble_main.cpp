@@ -36,8 +36,8 @@ const std::vector<quorble::app::OptionSpec> kOptionSpecs = {
     {.name = "--version", .help = "print the version and exit"},
     {.name = "--speech",
      .envVar = "QUORBLE_SPEECH",
-     .valueName = "espeak|dispatcher",
-     .help = "speak with the built-in espeak-ng (default) or through speech-dispatcher"},
+     .valueName = "ENGINE",
+     .help = "espeak (built in, the default) or dispatcher"},
 };
 
 std::string Usage() {
@@ -142,7 +142,8 @@ int main(int argc, char** argv) {
   const std::string speechName = options->Value("--speech", "espeak");
   const auto speech = quorble::desktop::SpeechBackendNamed(speechName);
   if (!speech) {
-    std::fprintf(stderr, "quorble: unknown speech '%s'\n%s", speechName.c_str(), Usage().c_str());
+    std::fprintf(stderr, "quorble: no speech engine '%s'; espeak or dispatcher\n%s",
+                 speechName.c_str(), Usage().c_str());
     return kBadUsage;
   }
   return Play(*speech);
