@@ -161,9 +161,11 @@ before "speech ended:  " "speech:  Select Dice "
 # The key in the rate dialogue cut the prompt it interrupted.
 grep -q -x -F "speech cancelled: to adjust the speech rate, use the arrow keys and then press enter" \
   "$TRACE" || fail "Up did not cut the rate prompt"
-# F12's No moved to another voice, Ctrl's Up twice to a faster rate.
+# F12's No moved to another voice. The player's own rate, 30, is the game's
+# 0, never overridden; Ctrl's Up twice moves two tenths of the way to 100.
 [[ $(grep -c "^speech voice: " "$TRACE") -ge 2 ]] || fail "the voice never changed"
-grep -q -x "speech rate: 20" "$TRACE" || fail "the rate 2 never reached the daemon"
+grep -q -x "speech rate: 44" "$TRACE" || fail "the rate 2 never reached the daemon as 44"
+grep -q -x "speech rate: 0" "$TRACE" && fail "the player's own rate was overridden"
 # What the daemon finished came in the order the game queued it.
 grep -E '^speech( ended)?: ' "$TRACE" | awk '
   /^speech: / { queued[++n] = substr($0, 9) }

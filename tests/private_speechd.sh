@@ -23,6 +23,8 @@ load-module module-native-protocol-unix auth-anonymous=1
 set-default-sink qnull
 PA
   cp /etc/speech-dispatcher/modules/espeak-ng.conf "$dir/conf/modules/" || return 1
+  # A player's own rate other than the daemon's 0, so that a test can see
+  # the game keep it as its rate 0.
   cat >"$dir/conf/speechd.conf" <<CONF
 LogLevel 4
 LogDir "$dir/log"
@@ -30,6 +32,7 @@ DefaultModule espeak-ng
 AddModule "espeak-ng" "sd_espeak-ng" "espeak-ng.conf"
 AudioOutputMethod "pulse"
 DefaultLanguage "en-US"
+DefaultRate 30
 CONF
   pulseaudio -n -F "$dir/pulse.pa" --daemonize=no --exit-idle-time=-1 --system=no \
     --use-pid-file=no >"$dir/pulse.log" 2>&1 &
