@@ -32,7 +32,8 @@ constexpr int kLoud = 200;         // a sample above this is speech, not noise
 // Speech has pauses between words; only this much quiet in a row is silence.
 constexpr double kSilenceSeconds = 0.15;
 constexpr double kGiveUpSeconds = 3.0;
-constexpr const char* kText = " Press R, to roll the dice ";
+// No comma: a purge that fell in its pause would be timed as at once.
+constexpr const char* kText = " Would you like to read the special key instructions? ";
 
 double Now() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
@@ -141,8 +142,12 @@ Figures Measure(SpeechBackend backend, Listener& listener) {
     std::this_thread::sleep_for(std::chrono::milliseconds(400));
     const double spoken = Now();
     voice->Speak(kText, SVSFlagsAsync);
-    onsets.push_back(listener.FirstLoudAfter(spoken));
-    std::this_thread::sleep_for(std::chrono::milliseconds(400));
+    const double onset = listener.FirstLoudAfter(spoken);
+    onsets.push_back(onset);
+    // Well inside the text, whichever backend started it sooner.
+    std::this_thread::sleep_until(std::chrono::steady_clock::time_point(
+        std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+            std::chrono::duration<double>(spoken + std::max(onset, 0.0) + 0.6))));
     const double purged = Now();
     voice->Speak("", SVSFPurgeBeforeSpeak);
     silences.push_back(listener.SilentAfter(purged));
