@@ -23,12 +23,13 @@ void Form1::Form_Load() {
 }
 
 Exit Form1::run() {
-  if (!startUp()) return Exit::NoVoices;
+  if (auto way = startUp()) return *way;
   Exit way = turnLoop();
   return way == Exit::GameOver ? gameOver() : way;
 }
 
-bool Form1::startUp() {
+// Nothing when the game goes on to its turns; else the way out.
+std::optional<Exit> Form1::startUp() {
   plat.Show(" Quorble  By Tavi Orlund ");
   fq = 11026;
   dx8 = plat.NewDirectX8();
@@ -42,10 +43,12 @@ bool Form1::startUp() {
   nov = Voice->VoiceCount();
   if (nov == 0) {
     plat.MessageBox("Sorry but I couldn't find any voices to use\rPlease contact Tavi Orlund");
-    return false;
+    return Exit::NoVoices;
   }
   nov = nov - 1;
   getdp();
+  // Before any file is touched: a second copy must leave the first's alone.
+  if (!plat.LockDataFolder(dp)) return Exit::AlreadyRunning;
   cotext();
   nv = 0;
   vr = 0;
@@ -76,7 +79,7 @@ bool Form1::startUp() {
     say(" getting saved game ");
     if (!readSave()) newGame();
   }
-  return true;
+  return std::nullopt;
 }
 
 Exit Form1::turnLoop() {
@@ -206,6 +209,13 @@ bool Form1::saveGame() {
 
 void Form1::tail(Exit way) {
   phase = Phase::Leaving;
+  if (way == Exit::AlreadyRunning) {
+    refused = true;
+    say(kAlreadyRunning);
+    releaseSound();
+    Voice.reset();
+    return;
+  }
   if (way == Exit::Save) say2(" Game Saved ");
   if (way != Exit::NoVoices) say(kThanks);
   if (way != Exit::Save && way != Exit::NoVoices) deleteSave();
@@ -246,6 +256,7 @@ void Form1::closeTail() {
 
 void Form1::deleteSave() {
   fpath = join(file_names::kSave);
+  if (keepSave) return;
   const std::string found = locate(fpath);
   if (!found.empty()) plat.DeleteFile(found);
 }
@@ -255,10 +266,7 @@ std::string Form1::launcherPath() { return locate(plat.CurrentDirectory() + "/lo
 
 // A saved game already on disk under another case is written over, so that
 // no stale copy can be taken up once this one is deleted.
-std::string Form1::savePath() {
-  const std::string found = locate(join(file_names::kSave));
-  return found.empty() ? join(file_names::kSave) : found;
-}
+std::string Form1::savePath() { return writePath(file_names::kSave); }
 
 void Form1::releaseSound() {
   sbuf.reset();

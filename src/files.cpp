@@ -63,6 +63,13 @@ std::vector<std::string> Words(const std::string& content) {
   return words;
 }
 
+// The most a saved extra row may hold: a thousand extra scores on one sheet.
+// The rules set no end to a game, since a turn on the extra row fills no
+// other, but five alike comes about once in twenty turns, so this stands
+// for some twenty thousand turns of one player: far beyond any game
+// played, and small enough that no sum of a board can overflow.
+constexpr int kMaxExtraRow = 100 * 1000;
+
 // What a row of the board can hold: empty, or a score the dice can make.
 bool ScoreFits(int row, int score) {
   if (score == -1) return true;
@@ -76,7 +83,7 @@ bool ScoreFits(int row, int score) {
     case 11: return score == 0 || score == 40;
     case 12: return score >= 5 && score <= 30;
     case 13: return score == 0 || score == 50;
-    default: return score % 100 == 0;
+    default: return score % 100 == 0 && score <= kMaxExtraRow;
   }
 }
 
@@ -152,11 +159,20 @@ void Form1::readConfig(const std::string& path) {
   if (nv < 0 || nv > nov) nv = 0;
 }
 
+// A file found under another case is written over, not beside, so that
+// no stale copy is left to be read instead of the new one.
+std::string Form1::writePath(const std::string& name) {
+  const std::string found = locate(join(name));
+  return found.empty() ? join(name) : found;
+}
+
 void Form1::writeConfig() {
-  plat.WriteFile(join(file_names::kConfig), NumberLine(pv[1]) + NumberLine(pr[1]));
+  plat.WriteFile(writePath(file_names::kConfig), NumberLine(pv[1]) + NumberLine(pr[1]));
 }
 
 bool Form1::writeSave() {
+  // An unreadable saved game that couldn't be set aside is never replaced.
+  if (keepSave) return false;
   std::string text = NumberLine(nop) + NumberLine(pup) + NumberLine(g2p) + NumberLine(nfin);
   for (int i = 1; i <= nop; ++i) {
     text += names[i] + kEol + NumberLine(fin[i]) + NumberLine(pv[i]) + NumberLine(pr[i]);
@@ -203,19 +219,37 @@ std::optional<SavedGame> ParseSave(const std::vector<std::string>& lines) {
       return std::nullopt;
     }
     finished += game.fin[i];
+    bool filled = true;
     for (int s = 1; s <= game.g2p; ++s) {
       for (int row = 1; row <= kRows; ++row) {
         auto score = number();
         if (!score || !ScoreFits(row, *score)) return std::nullopt;
         game.sheet[i][row][s] = *score;
+        filled = filled && (row == kRows || *score >= 0);
       }
+      // An extra score needs five alike on its sheet first.
+      if (game.sheet[i][kRows][s] > 0 && game.sheet[i][13][s] != 50) return std::nullopt;
     }
+    // A full board that isn't finished would refuse every row for ever.
+    if (filled != (game.fin[i] == 1)) return std::nullopt;
   }
   if (finished != game.nfin || game.fin[game.pup] != 0) return std::nullopt;
   return game;
 }
 
 }  // namespace
+
+// Moves an unreadable saved game out of the way under the first free name,
+// so an older one set aside is never replaced; false when no name is free.
+bool Form1::setAside(const std::string& path) {
+  constexpr int kNames = 100;
+  for (int n = 0; n < kNames; ++n) {
+    const std::string name =
+        join(file_names::kBadSave + (n == 0 ? std::string() : "." + std::to_string(n)));
+    if (plat.FindName(name, true).empty() && plat.RenameFile(path, name)) return true;
+  }
+  return false;
+}
 
 // Takes up the saved game at fpath. A file that can't be trusted is set
 // aside, never deleted, and a new game begins.
@@ -224,7 +258,7 @@ bool Form1::readSave() {
   const auto content = plat.ReadFile(found);
   const auto game = content ? ParseSave(Lines(*content)) : std::nullopt;
   if (!game) {
-    plat.RenameFile(found, join(file_names::kBadSave));
+    keepSave = !setAside(found);
     say(" The saved game could not be read. A new game begins. ");
     return false;
   }
@@ -246,7 +280,7 @@ bool Form1::readSave() {
 
 void Form1::writeLog() {
   logged = 0;
-  fpath = join(file_names::kLog);
+  fpath = writePath(file_names::kLog);
   std::string text = "Quorble log file " + DateText(plat.Today()) + " By Tavi Orlund" + kEol + kEol;
   titles[13] = "quorble ";
   titles[14] = " extra quorble ";

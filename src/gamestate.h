@@ -83,7 +83,11 @@ bool FiveAlike(const std::array<int, kDice + 1>& dice);
 int RowValue(const std::array<int, kDice + 1>& dice, int row);
 
 // How a game run ends, and so which way through the tail it takes.
-enum class Exit { Leave, Save, GameOver, NoVoices };
+enum class Exit { Leave, Save, GameOver, NoVoices, AlreadyRunning };
+
+// Spoken, and written to standard error, when a second copy of the game is
+// started on a data folder the first one holds.
+inline constexpr char kAlreadyRunning[] = " Quorble is already running. ";
 
 // Answer of a yes/no prompt: yes, no, or a key that the prompt doesn't know.
 enum class Answer { Yes, No, Other };
@@ -107,6 +111,8 @@ class Form1 : public GameState, private WindowEvents {
 
   // The whole run of the program; its return is the end of the process.
   void Form_Load();
+  // Whether the run ended at once because the data folder was taken.
+  bool alreadyRunning() const { return refused; }
 
   // Key capture and waits.
   void Form_KeyDown(int keyCode) override;
@@ -174,7 +180,7 @@ class Form1 : public GameState, private WindowEvents {
 
   // Blocks of Form_Load.
   Exit run();
-  bool startUp();
+  std::optional<Exit> startUp();
   void newGame();
   void nameLoop();
   Exit turnLoop();
@@ -206,9 +212,11 @@ class Form1 : public GameState, private WindowEvents {
 
   // Files.
   void readConfig(const std::string& path);
+  std::string writePath(const std::string& name);
   void writeConfig();
   bool writeSave();
   bool readSave();
+  bool setAside(const std::string& path);
   void writeLog();
   void appendWinner();
 
@@ -218,6 +226,8 @@ class Form1 : public GameState, private WindowEvents {
   bool closeSeen = false;
   int dialogDepth = 0;
   bool logWritten = false;
+  bool keepSave = false;  // an unreadable saved game stayed where it was
+  bool refused = false;   // another copy of the game holds the data folder
 };
 
 }  // namespace quorble

@@ -132,7 +132,7 @@ TEST(Files, SavedGameLinesAndNamesRoundTrip) {
   const std::string name = R"(Jo "Ace", Jr)";
   const auto game = [&](int voice) {
     return SaveText(2, 1,
-                    {{"Cy", 0, 1, 0, ExampleCells(50)}, {name, 0, voice, 4, ExampleCells(-1)}});
+                    {{"Cy", 1, 1, 0, ExampleCells(50)}, {name, 0, voice, 4, ExampleCells(-1)}});
   };
   // Found under another case, it is saved over rather than beside.
   const fs::path variant = world.Data() / "Quorble.SAV";
@@ -176,6 +176,14 @@ TEST(Files, SavedGamesThatCannotBeTrustedAreSetAside) {
       {"extra row of 150", with(21, " 150 "), true},
       {"below empty", with(10, "-2 "), true},
       {"no number", with(11, "abc"), true},
+      {"extra row beyond any game", with(21, " 1000000000 "), true},
+      {"extra row without a quorble", with(21, " 100 "), true},
+      {"a full board not finished",
+       SaveText(1, 1, {{"Ann", 0, 0, 0, ExampleCells(50)}, {"Bob", 0, 0, 0, ExampleCells(-1)}}),
+       true},
+      {"finished with an empty row",
+       SaveText(2, 1, {{"Ann", 1, 0, 0, ExampleCells(-1)}, {"Bob", 0, 0, 0, ExampleCells(-1)}}),
+       true},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.what);
@@ -194,8 +202,33 @@ TEST(Files, SavedGamesThatCannotBeTrustedAreSetAside) {
                           R"(!" getting saved game " | !" The saved game could not be read. A new )"
                           R"(game begins. " | " Select which game you wish to play ")"));
     EXPECT_FALSE(fs::exists(world.Data() / "quorble.sav"));
-    EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.sav.bad"), c.text);
+    EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.sav.bad"), "older");
+    EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.sav.bad.1"), c.text);
   }
+}
+
+// A file that can't be read is set aside under the first free name, and
+// when there is none it stays where it is, through leaving and saving.
+TEST(Files, UnreadableSavedGameIsNeverLost) {
+  const std::string bad = WithLine(kSaveExample, 0, " 0 ");
+  SimWorld world;
+  const fs::path save = world.Data() / "quorble.sav";
+  fs::create_directories(world.Data() / "quorble.sav.bad");
+  SimWorld::Write(save, bad);
+  ASSERT_EQ(world.Run("key n n\n").status, 3);
+  EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.sav.bad.1"), bad);
+
+  for (int n = 2; n < 100; ++n) {
+    fs::create_directories(world.Data() / ("quorble.sav.bad." + std::to_string(n)));
+  }
+  SimWorld::Write(save, bad);
+  const SimRun left = world.Run(NamedGame({"a"}) + "key esc y\n");
+  ASSERT_EQ(left.status, 0) << left.Dump();
+  EXPECT_NE(left.Find("could not be read"), -1);
+  EXPECT_EQ(SimWorld::Read(save), bad);
+  const SimRun saved = world.Run(NamedGame({"a"}) + "key s\n");
+  EXPECT_NE(saved.Find("The game could not be saved."), -1) << saved.Dump();
+  EXPECT_EQ(SimWorld::Read(save), bad);
 }
 
 TEST(Files, SaveThatCannotBeWrittenGoesBackToTheTurn) {

@@ -108,6 +108,10 @@ int Play(quorble::desktop::SpeechBackend speech) {
         quorble::desktop::DesktopPlatform platform(speech);
         quorble::Form1 form(platform);
         form.Form_Load();
+        if (form.alreadyRunning()) {
+          std::fprintf(stderr, "%s\n", quorble::kAlreadyRunning);
+          return kFailed;
+        }
         return platform.HasVoices() ? kSuccess : kFailed;
       } catch (const std::exception& error) {
         std::fprintf(stderr, "quorble: stopped: %s\n", error.what());

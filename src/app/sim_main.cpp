@@ -69,11 +69,17 @@ int main(int argc, char** argv) {
   {
     quorble::sim::SimPlatform platform(std::move(script), options.folders, transcript);
     try {
+      bool refused = false;
       {
         quorble::Form1 form(platform);
         form.Form_Load();
+        refused = form.alreadyRunning();
       }
       platform.Record("end");
+      if (refused) {
+        std::cerr << quorble::kAlreadyRunning << '\n';
+        status = kFailed;
+      }
     } catch (const quorble::sim::Stuck&) {
       status = kStuck;
     } catch (const std::exception& error) {

@@ -126,13 +126,23 @@ class Platform {
   // only when asked for.
   virtual std::string FindName(const std::string& path, bool directories) = 0;
   virtual bool MakeDirectory(const std::string& path) = 0;
+  // Every change below is durable once it has returned true: a power cut
+  // afterwards can't undo it.
   virtual bool DeleteFile(const std::string& path) = 0;
+  // Never replaces what is already at `to`: false then, and nothing moves.
   virtual bool RenameFile(const std::string& from, const std::string& to) = 0;
+  // Nothing for a file that can't be read, that is no regular file, or
+  // that is over 1 MiB, which no file of the game's comes near.
   virtual std::optional<std::string> ReadFile(const std::string& path) = 0;
   // Writes through a temporary file renamed over the old one, so that a
   // crash or a full disk never leaves a torn file. False changes nothing.
   virtual bool WriteFile(const std::string& path, const std::string& bytes) = 0;
   virtual bool AppendFile(const std::string& path, const std::string& bytes) = 0;
+  // Claims `folder` for this run, so that two copies of the game never
+  // write the same files. False only when another running copy holds it;
+  // a folder where no claim can be made at all is no reason to refuse. The
+  // claim lasts until the platform ends, and dies with the process.
+  virtual bool LockDataFolder(const std::string& folder) = 0;
   virtual void Launch(const std::string& path, int windowStyle) = 0;
 };
 

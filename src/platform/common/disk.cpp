@@ -1,13 +1,17 @@
 #include "platform/common/disk.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
+#include <sys/random.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <system_error>
 
 #include "lower_case.h"
@@ -25,14 +29,69 @@ std::pair<fs::path, std::string> SplitPath(const std::string& path) {
   return {folder, p.filename().string()};
 }
 
+// A descriptor closed when it goes out of scope.
+class Fd {
+ public:
+  explicit Fd(int fd) : fd_(fd) {}
+  ~Fd() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  Fd(const Fd&) = delete;
+  Fd& operator=(const Fd&) = delete;
+  int get() const { return fd_; }
+  bool ok() const { return fd_ >= 0; }
+  // Closing can report a write error that write itself did not.
+  bool Close() {
+    const int fd = fd_;
+    fd_ = -1;
+    return ::close(fd) == 0;
+  }
+
+ private:
+  int fd_;
+};
+
 bool WriteAll(int fd, const std::string& bytes) {
   size_t done = 0;
   while (done < bytes.size()) {
     ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-    if (n < 0) return false;
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return false;
     done += static_cast<size_t>(n);
   }
   return true;
+}
+
+// A rename or an unlink lives in the folder's entry list: without this a
+// power cut can undo it even though the file's own data were synced.
+bool SyncFolder(const fs::path& folder) {
+  Fd fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  return fd.ok() && ::fsync(fd.get()) == 0;
+}
+
+std::string RandomSuffix() {
+  static constexpr char kAlphabet[] = "abcdefghijklmnopqrstuvwxyz0123456789";
+  unsigned char noise[8];
+  if (::getrandom(noise, sizeof noise, GRND_NONBLOCK) != static_cast<ssize_t>(sizeof noise)) {
+    const auto mix = static_cast<unsigned long>(::getpid()) ^ static_cast<unsigned long>(::clock());
+    for (size_t i = 0; i < sizeof noise; ++i) noise[i] = static_cast<unsigned char>(mix >> i * 4);
+  }
+  std::string suffix;
+  for (unsigned char byte : noise) suffix += kAlphabet[byte % (sizeof kAlphabet - 1)];
+  return suffix;
+}
+
+// A new file beside `path` that no one else can have opened: a name of its
+// own (two copies of the game never share it), O_EXCL so it is ours alone,
+// O_NOFOLLOW so a link planted under the name is never followed.
+int CreateTemporary(const std::string& path, std::string& name) {
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    name = path + ".tmp-" + RandomSuffix();
+    const int fd =
+        ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
+    if (fd >= 0 || errno != EEXIST) return fd;
+  }
+  return -1;
 }
 
 }  // namespace
@@ -56,45 +115,63 @@ std::string FindName(const std::string& path, bool directories) {
 
 bool MakeDirectory(const std::string& path) {
   std::error_code ec;
-  return fs::create_directory(path, ec);
+  return fs::create_directory(path, ec) && SyncFolder(SplitPath(path).first);
 }
 
 bool DeleteFile(const std::string& path) {
-  std::error_code ec;
-  return fs::remove(path, ec);
+  return ::unlink(path.c_str()) == 0 && SyncFolder(SplitPath(path).first);
 }
 
 bool RenameFile(const std::string& from, const std::string& to) {
-  std::error_code ec;
-  fs::rename(from, to, ec);
-  return !ec;
+  if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) != 0) {
+    // A file system without the flag: the check and the rename are then two
+    // steps, which the one game per data folder makes safe enough.
+    if (errno != EINVAL && errno != ENOSYS) return false;
+    struct stat there;
+    if (::lstat(to.c_str(), &there) == 0 || errno != ENOENT) return false;
+    if (::rename(from.c_str(), to.c_str()) != 0) return false;
+  }
+  const fs::path fromFolder = SplitPath(from).first, toFolder = SplitPath(to).first;
+  return SyncFolder(toFolder) && (fromFolder == toFolder || SyncFolder(fromFolder));
 }
 
-std::optional<std::string> ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return std::nullopt;
-  std::ostringstream content;
-  content << in.rdbuf();
-  if (in.bad()) return std::nullopt;
-  return content.str();
+std::optional<std::string> ReadFile(const std::string& path, std::size_t limit) {
+  // Not blocking on open, so a planted pipe can't hang the game.
+  Fd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat facts;
+  if (!fd.ok() || ::fstat(fd.get(), &facts) != 0 || !S_ISREG(facts.st_mode)) return std::nullopt;
+  if (static_cast<std::size_t>(facts.st_size) > limit) return std::nullopt;
+  std::string content;
+  char block[65536];
+  for (;;) {
+    const ssize_t n = ::read(fd.get(), block, sizeof block);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return std::nullopt;
+    if (n == 0) return content;
+    content.append(block, static_cast<size_t>(n));
+    // The file grew after the size was looked at.
+    if (content.size() > limit) return std::nullopt;
+  }
 }
 
 bool WriteFile(const std::string& path, const std::string& bytes) {
-  const std::string temporary = path + ".tmp";
-  int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-  if (fd < 0) return false;
-  bool ok = WriteAll(fd, bytes) && ::fsync(fd) == 0;
-  ok = (::close(fd) == 0) && ok;
-  if (ok && ::rename(temporary.c_str(), path.c_str()) == 0) return true;
+  std::string temporary;
+  Fd fd(CreateTemporary(path, temporary));
+  if (!fd.ok()) return false;
+  const bool written = WriteAll(fd.get(), bytes) && ::fsync(fd.get()) == 0;
+  if (fd.Close() && written && ::rename(temporary.c_str(), path.c_str()) == 0) {
+    return SyncFolder(SplitPath(path).first);
+  }
   ::unlink(temporary.c_str());
   return false;
 }
 
 bool AppendFile(const std::string& path, const std::string& bytes) {
-  int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
-  if (fd < 0) return false;
-  bool ok = WriteAll(fd, bytes);
-  return (::close(fd) == 0) && ok;
+  Fd fd(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, 0644));
+  if (!fd.ok()) return false;
+  const bool written = WriteAll(fd.get(), bytes) && ::fsync(fd.get()) == 0;
+  // The folder too, in case the append created the file.
+  return fd.Close() && written && SyncFolder(SplitPath(path).first);
 }
 
 std::string CurrentDirectory() {
@@ -107,6 +184,23 @@ std::string ExecutableFolder() {
   std::error_code ec;
   auto self = fs::read_symlink("/proc/self/exe", ec);
   return ec ? CurrentDirectory() : self.parent_path().string();
+}
+
+FolderLock::~FolderLock() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+LockResult FolderLock::Take(const std::string& lockFile) {
+  if (fd_ >= 0) return LockResult::Taken;
+  const int fd = ::open(lockFile.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0644);
+  if (fd < 0) return LockResult::Unavailable;
+  if (::flock(fd, LOCK_EX | LOCK_NB) == 0) {
+    fd_ = fd;
+    return LockResult::Taken;
+  }
+  const bool held = errno == EWOULDBLOCK;
+  ::close(fd);
+  return held ? LockResult::HeldElsewhere : LockResult::Unavailable;
 }
 
 }  // namespace quorble::disk

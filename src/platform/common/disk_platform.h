@@ -26,6 +26,12 @@ class DiskPlatform : public Platform {
   bool AppendFile(const std::string& path, const std::string& bytes) override {
     return disk::AppendFile(path, bytes);
   }
+  bool LockDataFolder(const std::string& folder) override {
+    return lock_.Take(folder + "/quorble.lock") != disk::LockResult::HeldElsewhere;
+  }
+
+ private:
+  disk::FolderLock lock_;
 };
 
 }  // namespace quorble
