@@ -127,6 +127,7 @@ class SimWorld {
   SimWorld(const SimWorld&) = delete;
   SimWorld& operator=(const SimWorld&) = delete;
 
+  fs::path Root() const { return root_; }
   fs::path Data() const { return root_ / "docs" / "brindlesoft"; }
   fs::path Cwd() const { return root_ / "cwd"; }
 
@@ -142,13 +143,16 @@ class SimWorld {
     std::ofstream(path, std::ios::binary) << bytes;
   }
 
-  // Without `documents` the user has no documents folder.
-  SimRun Run(const std::string& script, bool documents = true) const {
+  // Without `documents` the user has no documents folder. `environment`
+  // goes in front of the command, as "NAME=value ...".
+  SimRun Run(const std::string& script, bool documents = true,
+             const std::string& environment = "") const {
     Write(root_ / "script", script);
     const auto quoted = [](const fs::path& path) { return " '" + path.string() + "'"; };
     const fs::path docs = documents ? root_ / "docs" : fs::path();
-    const std::string command = std::string(QUORBLE_SIM) + " --samples" + quoted(QUORBLE_SAMPLES) +
-                                " --cwd" + quoted(Cwd()) + " --docs" + quoted(docs) +
+    const std::string command = environment + " " + QUORBLE_SIM + " --samples" +
+                                quoted(QUORBLE_SAMPLES) + " --cwd" + quoted(Cwd()) + " --docs" +
+                                quoted(docs) +
                                 quoted(root_ / "script") + " >" + quoted(root_ / "out") + " 2>" +
                                 quoted(root_ / "err");
     SimRun run;
