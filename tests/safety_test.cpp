@@ -1,0 +1,143 @@
+// What keeps a saved game safe from a second copy of the game, from files
+// planted or grown in the data folder, and from stale copies under another
+// case.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <set>
+
+#include "game_script.h"
+
+namespace quorble::test {
+namespace {
+
+std::set<std::string> Listing(const fs::path& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder)) names.insert(entry.path().filename());
+  return names;
+}
+
+const std::string kAnn = SaveText(1, 1, {{"Ann", 0, 1, 2, std::vector<int>(14, -1)}});
+
+TEST(Safety, SecondCopyOnTheSameDataFolderTouchesNothing) {
+  SimWorld world;
+  SimWorld::Write(world.Cwd() / "quorble.txt", "How to play\r\n");
+  SimWorld::Write(world.Cwd() / "lobbyhub.exe", "");
+  SimWorld::Write(world.Data() / "quorble.sav", kAnn);
+  SimWorld::Write(world.Data() / "quorble.cfg", " 1 \r\n 2 \r\n");
+  SimWorld::Write(world.Data() / "quorble.lock", "");
+  const auto before = Listing(world.Data());
+  {
+    // The first copy, as far as the second can tell.
+    const int held = ::open((world.Data() / "quorble.lock").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(::flock(held, LOCK_EX | LOCK_NB), 0);
+    const SimRun second = world.Run("key n n s\n");
+    ::close(held);
+    EXPECT_EQ(second.status, 1) << second.Dump();
+    EXPECT_NE(second.stderrText.find("Quorble is already running."), std::string::npos);
+    EXPECT_NE(second.Find(R"(speak " Quorble is already running. ")"), -1) << second.Dump();
+    EXPECT_EQ(second.Find("launch"), -1);
+    EXPECT_EQ(second.Events().back(), "end");
+  }
+  EXPECT_EQ(Listing(world.Data()), before);
+  EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.sav"), kAnn);
+  EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.cfg"), " 1 \r\n 2 \r\n");
+  // Once the first copy is gone, the game starts as ever.
+  const SimRun next = world.Run("key n n s\n");
+  EXPECT_EQ(next.status, 0) << next.Dump();
+  EXPECT_TRUE(fs::exists(world.Data() / "quorble.txt"));
+}
+
+// Two copies started at once on one data folder, again and again: each
+// either saves its whole game or refuses to start, and the file left is
+// one whole game.
+TEST(Safety, TwoCopiesAtOnceNeverTearTheSavedGame) {
+  std::vector<std::string> names;
+  for (char c = 'a'; c <= 'i'; ++c) names.push_back(std::string(1, c));
+  const std::string big = NamedGame(names, "t") + "key s\n", small = NamedGame({"z"}) + "key s\n";
+  std::string bigSave, smallSave;
+  {
+    SimWorld alone;
+    ASSERT_EQ(alone.Run(big).status, 0);
+    bigSave = SimWorld::Read(alone.Data() / "quorble.sav");
+    fs::remove(alone.Data() / "quorble.sav");
+    ASSERT_EQ(alone.Run(small).status, 0);
+    smallSave = SimWorld::Read(alone.Data() / "quorble.sav");
+  }
+  constexpr int kRounds = 300;
+  int refusals = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    SimWorld world;
+    fs::create_directories(world.Data());
+    SimWorld::Write(world.Root() / "big", big);
+    SimWorld::Write(world.Root() / "small", small);
+    const std::string root = world.Root().string();
+    const auto sim = [&](const std::string& script) {
+      return std::string(QUORBLE_SIM) + " --samples '" + QUORBLE_SAMPLES + "' --cwd '" + root +
+             "/cwd' --docs '" + root + "/docs' '" + root + "/" + script + "' >/dev/null 2>>'" +
+             root + "/err'; echo $? >>'" + root + "/status'";
+    };
+    const std::string both = "(" + sim("big") + ") & (" + sim("small") + ") & wait";
+    ASSERT_EQ(std::system(both.c_str()), 0);
+    // 0: saved; 1: refused, the other copy running; 3: started after the
+    // other had saved, took its game up and ran out of keys.
+    const std::string status = SimWorld::Read(world.Root() / "status");
+    ASSERT_TRUE(status.find_first_not_of("013\n") == std::string::npos) << status;
+    refusals += status.find('1') != std::string::npos;
+    if (status.find('1') != std::string::npos) {
+      EXPECT_NE(SimWorld::Read(world.Root() / "err").find("already running"), std::string::npos);
+    }
+    const std::string saved = SimWorld::Read(world.Data() / "quorble.sav");
+    ASSERT_TRUE(saved == bigSave || saved == smallSave) << "round " << round << ":\n" << saved;
+  }
+  std::printf("%d of %d rounds overlapped and one copy refused\n", refusals, kRounds);
+}
+
+// A link planted under the old temporary name is never followed.
+TEST(Safety, PlantedLinkIsNotFollowed) {
+  SimWorld world;
+  const fs::path outside = world.Root() / "outside";
+  SimWorld::Write(outside, "precious");
+  fs::create_directories(world.Data());
+  fs::create_symlink(outside, world.Data() / "quorble.sav.tmp");
+  fs::create_symlink(outside, world.Data() / "quorble.cfg.tmp");
+  ASSERT_EQ(world.Run(NamedGame({"a"}) + "key s\n").status, 0);
+  EXPECT_EQ(SimWorld::Read(outside), "precious");
+  EXPECT_FALSE(fs::is_symlink(world.Data() / "quorble.sav"));
+  EXPECT_FALSE(fs::is_symlink(world.Data() / "quorble.cfg"));
+}
+
+// Nothing the game writes comes near 1 MiB: a bigger file is not read.
+TEST(Safety, OversizedFilesAreNotRead) {
+  SimWorld world;
+  const std::string longName(1536 * 1024, 'x');
+  const std::string save = SaveText(1, 1, {{longName, 0, 0, 0, std::vector<int>(14, -1)}});
+  SimWorld::Write(world.Data() / "quorble.sav", save);
+  SimWorld::Write(world.Data() / "quorble.cfg", " 2 \r\n 4 \r\n" + std::string(1536 * 1024, ' '));
+  const SimRun run = world.Run("key n n\n");
+  EXPECT_EQ(run.status, 3);
+  EXPECT_NE(run.Find("could not be read"), -1);
+  EXPECT_EQ(run.Find("voice use 2"), -1) << "the configuration was read";
+  EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.sav.bad"), save);
+}
+
+// The game's files are found blind to case, and written over where found.
+TEST(Safety, FilesUnderAnotherCaseAreWrittenOver) {
+  SimWorld world;
+  SimWorld::Write(world.Data() / "Quorble.Cfg", " 1 \r\n 3 \r\n");
+  SimWorld::Write(world.Data() / "QuorbleLog.TXT", "old log\r\n");
+  SimWorld::Write(world.Data() / "quorble.sav",
+                  SaveText(1, 1, {{"Ann", 0, 2, 1, ExampleCells(-1)}}));
+  const SimRun run = world.Run("key n n\n" + Turn("6 6 6 6 6", 13) + "key f1 esc\n");
+  ASSERT_EQ(run.status, 0) << run.Dump();
+  EXPECT_EQ(Listing(world.Data()),
+            (std::set<std::string>{"Quorble.Cfg", "QuorbleLog.TXT", "quorble.lock"}));
+  EXPECT_EQ(SimWorld::Read(world.Data() / "Quorble.Cfg"), " 2 \r\n 1 \r\n");
+  EXPECT_NE(SimWorld::Read(world.Data() / "QuorbleLog.TXT").find("The winner is Ann!"),
+            std::string::npos);
+}
+
+}  // namespace
+}  // namespace quorble::test
