@@ -52,4 +52,23 @@ await "thank you for playing"
 finish_game
 [[ ! -e "$DATA/quorble.sav" ]] || fail "the saved game is still there after leaving with a yes"
 [[ -f "$DATA/quorble.cfg" ]] || fail "no configuration after leaving"
+
+# The X connection lost in a turn is a close request: the game in hand is
+# saved and the configuration written, and the game ends with status 0.
+SAVED=$' 1 \r\n 1 \r\n 1 \r\n 0 \r\nAnn\r\n 0 \r\n 0 \r\n-2 \r\n'
+for _ in $(seq 14); do SAVED+=$'-1 \r\n'; done
+lose_connection() {
+  printf '%s' "$SAVED" >"$DATA/quorble.sav"
+  rm -f "$DATA/quorble.cfg"
+  start_game
+  await "read the instructions?" && press n
+  await "special key instructions?" && press n
+  await "to roll the dice"
+  "$@"
+  finish_game
+  cmp -s <(printf "%s" "$SAVED") "$DATA/quorble.sav" || { od -c "$DATA/quorble.sav" | head; fail "the game in hand was not saved"; }
+  [[ "$(cat "$DATA/quorble.cfg")" == $' 0 \r\n-2 \r' ]] || fail "no configuration written"
+}
+say "run 3: the X server gone in a turn"
+lose_connection kill "$XVFB_PID"
 say "passed"

@@ -81,13 +81,18 @@ class SdlSession {
     SDL_SetHint(SDL_HINT_QUIT_ON_LAST_WINDOW_CLOSE, "1");
     ok_ = SDL_Init(SDL_INIT_VIDEO | SDL_INIT_EVENTS) == 0;
   }
-  ~SdlSession() { SDL_Quit(); }
+  ~SdlSession() {
+    if (!abandoned_) SDL_Quit();
+  }
   SdlSession(const SdlSession&) = delete;
   SdlSession& operator=(const SdlSession&) = delete;
   bool ok() const { return ok_; }
+  // With the X connection lost, SDL's shutdown would wait on it for ever.
+  void Abandon() { abandoned_ = true; }
 
  private:
   bool ok_ = false;
+  bool abandoned_ = false;
 };
 
 // Without a desktop session SDL falls back to drivers whose window nobody
@@ -108,6 +113,7 @@ int Play(quorble::desktop::SpeechBackend speech) {
         quorble::desktop::DesktopPlatform platform(speech);
         quorble::Form1 form(platform);
         form.Form_Load();
+        if (platform.DisplayLost()) sdl.Abandon();
         if (form.alreadyRunning()) {
           std::fprintf(stderr, "%s\n", quorble::kAlreadyRunning);
           return kFailed;

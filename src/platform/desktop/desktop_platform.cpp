@@ -86,6 +86,7 @@ DesktopPlatform::DesktopPlatform(SpeechBackend speech)
     : trace_(Tracing()),
       wakeEvent_(SDL_RegisterEvents(1)),
       window_(MakeWindow()),
+      xConnection_(window_.get()),
       mixer_(std::make_shared<Mixer>(Waker(wakeEvent_))),
       programFolder_(ProgramFolderFor(disk::ExecutableFolder(), QUORBLE_INSTALLED_DATADIR)) {
   StartSpeech(speech);
@@ -97,7 +98,11 @@ DesktopPlatform::DesktopPlatform(SpeechBackend speech)
   SDL_StopTextInput();
 }
 
-DesktopPlatform::~DesktopPlatform() = default;
+DesktopPlatform::~DesktopPlatform() {
+  // Destroying a window waits for the server to confirm, which a lost
+  // server never does; the process is ending anyway.
+  if (xConnection_.Lost()) static_cast<void>(window_.release());
+}
 
 void DesktopPlatform::Show(const std::string& caption) {
   SDL_Window* window = window_.get();
@@ -109,6 +114,15 @@ void DesktopPlatform::Show(const std::string& caption) {
 }
 
 void DesktopPlatform::Pump(WindowEvents& events) {
+  if (xConnection_.Lost()) {
+    // The window is gone for good: one close request, and no more events.
+    if (!lossReported_) {
+      lossReported_ = true;
+      if (trace_) std::fprintf(stderr, "close request: the X connection is lost\n");
+      events.Form_CloseRequest();
+    }
+    return;
+  }
   SDL_Event event;
   while (SDL_PollEvent(&event) == 1) {
     if (event.type == SDL_KEYDOWN) {

@@ -17,6 +17,7 @@
 #include "platform/desktop/sdl_handles.h"
 #include "platform/desktop/speech_dispatcher.h"
 #include "platform/desktop/speech_espeak.h"
+#include "platform/desktop/x_connection.h"
 #include "platform/platform.h"
 
 namespace quorble::desktop {
@@ -49,6 +50,9 @@ class DesktopPlatform final : public DiskPlatform {
   std::string ProgramFolder() override;
   void Launch(const std::string& path, int windowStyle) override;
 
+  // The X connection is gone; nothing of the window can be undone then.
+  bool DisplayLost() const { return xConnection_.Lost(); }
+
   // For measurements of the sound path.
   Mixer& AudioMixer() { return *mixer_; }
   // False when the speech engine offers no voice, and the game could only
@@ -64,6 +68,8 @@ class DesktopPlatform final : public DiskPlatform {
   const bool trace_;  // keys and speech to stderr, for tests that can't listen
   const Uint32 wakeEvent_;
   Window window_;
+  XConnectionWatch xConnection_;
+  bool lossReported_ = false;
   std::shared_ptr<Mixer> mixer_;
   std::shared_ptr<SpeechEngine> speech_;              // the embedded engine, when it speaks
   std::shared_ptr<DispatcherConnection> dispatcher_;  // or the player's daemon
