@@ -101,7 +101,7 @@ int rename(const char* from, const char* to) {
 int renameat2(int fromDir, const char* from, int toDir, const char* to, unsigned flags) {
   Point("rename", from, to);
   return Real<int (*)(int, const char*, int, const char*, unsigned)>("renameat2")(fromDir, from,
-                                                                                 toDir, to, flags);
+                                                                                  toDir, to, flags);
 }
 
 int unlink(const char* path) {

@@ -87,8 +87,7 @@ std::string RandomSuffix() {
 int CreateTemporary(const std::string& path, std::string& name) {
   for (int attempt = 0; attempt < 100; ++attempt) {
     name = path + ".tmp-" + RandomSuffix();
-    const int fd =
-        ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
+    const int fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
     if (fd >= 0 || errno != EEXIST) return fd;
   }
   return -1;

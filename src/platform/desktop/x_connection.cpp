@@ -17,12 +17,12 @@ XConnectionWatch::XConnectionWatch(SDL_Window* window) {
   // every later call on the connection returns at once.
   watch = this;
   XSetIOErrorHandler([](Display* display) {
-    XSetIOErrorExitHandler(display, [](Display* d, void* self) { OnLost(d, self); }, watch);
+    XSetIOErrorExitHandler(
+        display, [](Display* d, void* self) { OnLost(d, self); }, watch);
     return 0;
   });
   XSetIOErrorExitHandler(
-      info.info.x11.display,
-      [](Display* display, void* self) { OnLost(display, self); }, this);
+      info.info.x11.display, [](Display* display, void* self) { OnLost(display, self); }, this);
 }
 
 void XConnectionWatch::OnLost(void* /*display*/, void* self) {
