@@ -94,6 +94,10 @@ class CrashWorld {
   void ExpectNextStartGoesOn(const Contents& oldSave, bool oldReadable) {
     const SimRun next = world_.Run("key n n\n");
     EXPECT_EQ(next.status, 3) << next.Dump();
+    for (const auto& entry : fs::directory_iterator(world_.Data())) {
+      EXPECT_EQ(entry.path().filename().string().find(".tmp-"), std::string::npos)
+          << "left behind: " << entry.path();
+    }
     if (oldReadable) {
       EXPECT_EQ(next.Find("could not be read"), -1) << next.Dump();
       return;

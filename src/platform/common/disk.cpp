@@ -69,9 +69,24 @@ bool SyncFolder(const fs::path& folder) {
   return fd.ok() && ::fsync(fd.get()) == 0;
 }
 
+constexpr char kAlphabet[] = "abcdefghijklmnopqrstuvwxyz0123456789";
+constexpr char kTemporaryMark[] = ".tmp-";
+constexpr size_t kSuffixLength = 8;
+
+// "quorble.sav.tmp-k3v9x0aa" and the like: a game file's name, the mark and
+// a suffix as RandomSuffix makes them.
+bool IsTemporaryName(const std::string& name) {
+  constexpr size_t kMarkLength = sizeof kTemporaryMark - 1;
+  if (name.size() <= kMarkLength + kSuffixLength || Lower(name).rfind("quorble", 0) != 0) {
+    return false;
+  }
+  const size_t mark = name.size() - kMarkLength - kSuffixLength;
+  return name.compare(mark, kMarkLength, kTemporaryMark) == 0 &&
+         name.find_first_not_of(kAlphabet, mark + kMarkLength) == std::string::npos;
+}
+
 std::string RandomSuffix() {
-  static constexpr char kAlphabet[] = "abcdefghijklmnopqrstuvwxyz0123456789";
-  unsigned char noise[8];
+  unsigned char noise[kSuffixLength];
   if (::getrandom(noise, sizeof noise, GRND_NONBLOCK) != static_cast<ssize_t>(sizeof noise)) {
     const auto mix = static_cast<unsigned long>(::getpid()) ^ static_cast<unsigned long>(::clock());
     for (size_t i = 0; i < sizeof noise; ++i) noise[i] = static_cast<unsigned char>(mix >> i * 4);
@@ -86,7 +101,7 @@ std::string RandomSuffix() {
 // O_NOFOLLOW so a link planted under the name is never followed.
 int CreateTemporary(const std::string& path, std::string& name) {
   for (int attempt = 0; attempt < 100; ++attempt) {
-    name = path + ".tmp-" + RandomSuffix();
+    name = path + kTemporaryMark + RandomSuffix();
     const int fd = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
     if (fd >= 0 || errno != EEXIST) return fd;
   }
@@ -183,6 +198,17 @@ std::string ExecutableFolder() {
   std::error_code ec;
   auto self = fs::read_symlink("/proc/self/exe", ec);
   return ec ? CurrentDirectory() : self.parent_path().string();
+}
+
+void RemoveStaleTemporaries(const std::string& folder) {
+  std::error_code ec;
+  bool removed = false;
+  for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+    std::error_code kind;
+    if (!it->is_regular_file(kind) || !IsTemporaryName(it->path().filename().string())) continue;
+    removed = ::unlink(it->path().c_str()) == 0 || removed;
+  }
+  if (removed) SyncFolder(folder);
 }
 
 FolderLock::~FolderLock() {

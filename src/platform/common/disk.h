@@ -28,6 +28,10 @@ std::string CurrentDirectory();
 // The folder of the running executable.
 std::string ExecutableFolder();
 
+// Removes the temporary files WriteFile left in `folder` when a process
+// died mid-write. Only safe while holding the folder's lock.
+void RemoveStaleTemporaries(const std::string& folder);
+
 enum class LockResult { Taken, HeldElsewhere, Unavailable };
 
 // An exclusive advisory lock (flock) on a file in a folder, held for the

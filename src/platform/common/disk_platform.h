@@ -27,7 +27,11 @@ class DiskPlatform : public Platform {
     return disk::AppendFile(path, bytes);
   }
   bool LockDataFolder(const std::string& folder) override {
-    return lock_.Take(folder + "/quorble.lock") != disk::LockResult::HeldElsewhere;
+    const auto result = lock_.Take(folder + "/quorble.lock");
+    // Held, the folder is ours alone: what a killed run left half-written
+    // can go.
+    if (result == disk::LockResult::Taken) disk::RemoveStaleTemporaries(folder);
+    return result != disk::LockResult::HeldElsewhere;
   }
 
  private:
