@@ -152,9 +152,8 @@ class SimWorld {
     const fs::path docs = documents ? root_ / "docs" : fs::path();
     const std::string command = environment + " " + QUORBLE_SIM + " --samples" +
                                 quoted(QUORBLE_SAMPLES) + " --cwd" + quoted(Cwd()) + " --docs" +
-                                quoted(docs) +
-                                quoted(root_ / "script") + " >" + quoted(root_ / "out") + " 2>" +
-                                quoted(root_ / "err");
+                                quoted(docs) + quoted(root_ / "script") + " >" +
+                                quoted(root_ / "out") + " 2>" + quoted(root_ / "err");
     SimRun run;
     const int raw = std::system(command.c_str());
     run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;

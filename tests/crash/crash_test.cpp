@@ -83,7 +83,9 @@ class CrashWorld {
     // The data folder is made by the game when it has no files yet.
     if (scenario.before.empty()) fs::create_directories(world_.Root() / "docs");
   }
-  SimRun Run(const std::string& environment) { return world_.Run(scenario_.script, true, environment); }
+  SimRun Run(const std::string& environment) {
+    return world_.Run(scenario_.script, true, environment);
+  }
   std::map<std::string, Contents> Watched() const {
     std::map<std::string, Contents> state;
     for (const auto& name : scenario_.watched) state[name] = ReadIf(world_.Data() / name);
