@@ -8,12 +8,15 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 # compiler and libraries; Xvfb and xdotool for the end-to-end tests;
 # dpkg-dev and file for cpack's dependency list; lintian, desktop-file-utils,
 # appstream and groff-base check the package, menu entry, metainfo and manual;
-# clang and its run-time libraries for the sanitizer build and the fuzzer.
+# clang and its run-time libraries for the sanitizer build and the fuzzer;
+# libsamplerate for the samples' rate conversion; PulseAudio and its tools for
+# the benchmark's private sound server.
 PACKAGES := g++ cmake make pkg-config libsdl2-dev libespeak-ng-dev espeak-ng-data \
             libgtest-dev libgmock-dev xvfb xdotool \
             dpkg-dev file lintian desktop-file-utils appstream groff-base \
-            libspeechd-dev speech-dispatcher speech-dispatcher-espeak-ng pulseaudio \
-            clang libclang-rt-14-dev
+            libspeechd-dev speech-dispatcher speech-dispatcher-espeak-ng \
+            libsamplerate0-dev pulseaudio pulseaudio-utils \
+            libx11-dev clang libclang-rt-14-dev
 
 # The sanitizer build and the fuzzer, both with clang.
 ASAN_DIR ?= build-asan

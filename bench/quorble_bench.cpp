@@ -1,17 +1,26 @@
-// Prints how the desktop platform performs where a player would notice:
-// how soon speech starts, how soon a purge silences it, what an idle wait
-// for a key costs, and the peak memory. Run it with a display, or with
-// SDL_VIDEODRIVER=dummy (whose event wait polls, so its idle figure is not
-// the real one) and SDL_AUDIODRIVER=dummy.
+// Prints how the desktop platform sounds where a player would notice, on
+// the sound server it finds (bench/sound_bench.sh starts a private
+// PulseAudio with a null sink and records its monitor as the default
+// source): echo onset and silence after a purge as heard at the sink,
+// dropouts under a loop with speech and samples over it, the idle cost of
+// game and server, and peak memory. Each time is given as median, min and
+// max; the idle cost beside that of a polling wait, as a ratio.
+//
+//   quorble-bench SAMPLE_DIR INSTRUCTIONS_TEXT [SERVER_PID]
 #include <SDL.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <limits>
+#include <sstream>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -23,150 +32,312 @@ using quorble::SVSFlagsAsync;
 using quorble::SVSFPurgeBeforeSpeak;
 using quorble::desktop::DesktopPlatform;
 
-constexpr int kTrials = 11;
-constexpr const char* kText = " Press R, to roll the dice ";
-constexpr auto kGiveUp = std::chrono::seconds(2);
+const int kTrials =
+    std::getenv("QUORBLE_BENCH_TRIALS") ? std::atoi(std::getenv("QUORBLE_BENCH_TRIALS")) : 15;
+constexpr int kCaptureRate = 44100;
+constexpr int kDropoutFrames = kCaptureRate / 1000;  // a millisecond of digital zero
+constexpr int kSilenceFrames = kCaptureRate / 100;
+constexpr const char* kLongText =
+    " Press R, to roll the dice. Would you like to read the instructions? ";
 
 double Now() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
+void Sleep(double seconds) { std::this_thread::sleep_for(std::chrono::duration<double>(seconds)); }
 
-// Watches the mixer's periods for the first one with, or without, speech.
-class Probe {
+// Listens to the default source (the sink's monitor) and stamps when sound
+// starts or stops there; counts runs of digital zero while sound is due.
+class Listener {
  public:
-  enum class Awaiting { Nothing, Speech, Silence };
+  enum class Awaiting { Nothing, Sound, Silence };
 
-  void OnPeriod(bool speechHeard) {
-    const Awaiting awaiting = awaiting_.load();
-    if ((awaiting == Awaiting::Speech && speechHeard) ||
-        (awaiting == Awaiting::Silence && !speechHeard)) {
-      seenAt_ = Now();
-      awaiting_ = Awaiting::Nothing;
-    }
+  bool Open() {
+    SDL_AudioSpec wanted{}, got{};
+    wanted.freq = kCaptureRate;
+    wanted.format = AUDIO_F32SYS;
+    wanted.channels = 2;
+    wanted.samples = 128;
+    wanted.callback = &Listener::OnCapture;
+    wanted.userdata = this;
+    device_ = SDL_OpenAudioDevice(nullptr, 1, &wanted, &got, 0);
+    if (device_ != 0) SDL_PauseAudioDevice(device_, 0);
+    return device_ != 0;
   }
-
-  void Await(Awaiting what) { awaiting_ = what; }
-
-  // Seconds from `start` to the period awaited; negative when it never came.
-  double SecondsSince(double start) {
-    const auto giveUp = std::chrono::steady_clock::now() + kGiveUp;
-    while (awaiting_ != Awaiting::Nothing) {
-      if (std::chrono::steady_clock::now() > giveUp) return -1;
-      std::this_thread::sleep_for(std::chrono::microseconds(200));
-    }
-    return seenAt_ - start;
+  void Close() {
+    if (device_ != 0) SDL_CloseAudioDevice(device_);
+    device_ = 0;
   }
+  ~Listener() { Close(); }
+
+  void Await(Awaiting what) {
+    seenAt_ = -1;
+    awaiting_ = what;
+  }
+  // Seconds from `start` to what was awaited; negative when it never came.
+  double SecondsSince(double start, double giveUp = 3.0) {
+    while (awaiting_ != Awaiting::Nothing && Now() < start + giveUp) Sleep(0.0005);
+    awaiting_ = Awaiting::Nothing;
+    return seenAt_ < 0 ? -1 : seenAt_ - start;
+  }
+  void CountDropouts(bool on) {
+    zeroRun_ = 0;
+    counting_ = on;
+  }
+  int Dropouts() const { return dropouts_; }
+  double LongestDropoutMs() const { return longest_ * 1000.0 / kCaptureRate; }
 
  private:
+  static void SDLCALL OnCapture(void* self, Uint8* stream, int length) {
+    static_cast<Listener*>(self)->Take(reinterpret_cast<const float*>(stream),
+                                       length / static_cast<int>(2 * sizeof(float)));
+  }
+
+  void Take(const float* frames, int count) {
+    const double now = Now();
+    for (int i = 0; i < count; ++i) {
+      const bool zero = frames[2 * i] == 0.0f && frames[2 * i + 1] == 0.0f;
+      const double at = now - static_cast<double>(count - i) / kCaptureRate;
+      Watch(zero, at);
+      if (!counting_) continue;
+      if (zero) {
+        ++zeroRun_;
+      } else {
+        if (zeroRun_ >= kDropoutFrames) {
+          ++dropouts_;
+          longest_ = std::max(longest_, zeroRun_);
+        }
+        zeroRun_ = 0;
+      }
+    }
+  }
+
+  void Watch(bool zero, double at) {
+    const Awaiting awaiting = awaiting_;
+    if (awaiting == Awaiting::Sound && !zero) {
+      seenAt_ = at;
+      awaiting_ = Awaiting::Nothing;
+    } else if (awaiting == Awaiting::Silence) {
+      if (!zero) {
+        silentRun_ = 0;
+      } else if (++silentRun_ == 1) {
+        silenceFrom_ = at;
+      } else if (silentRun_ >= kSilenceFrames) {
+        seenAt_ = silenceFrom_;
+        awaiting_ = Awaiting::Nothing;
+      }
+    }
+  }
+
+  SDL_AudioDeviceID device_ = 0;
   std::atomic<Awaiting> awaiting_{Awaiting::Nothing};
-  std::atomic<double> seenAt_{0};
+  std::atomic<double> seenAt_{-1};
+  int silentRun_ = 0;
+  double silenceFrom_ = 0;
+  std::atomic<bool> counting_{false};
+  int zeroRun_ = 0;
+  std::atomic<int> dropouts_{0};
+  int longest_ = 0;
 };
 
 struct KeyCounter : quorble::WindowEvents {
-  int keys = 0;
-  void Form_KeyDown(int) override { ++keys; }
+  void Form_KeyDown(int) override {}
   void Form_CloseRequest() override {}
 };
 
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return values.empty() ? -1 : values[values.size() / 2];
-}
-
 double Milliseconds(double seconds) { return seconds * 1000.0; }
 
-void PrintMedian(const char* what, const std::vector<double>& seconds) {
-  std::printf("%s: median %.2f ms (min %.2f, max %.2f)\n", what, Milliseconds(Median(seconds)),
-              Milliseconds(*std::min_element(seconds.begin(), seconds.end())),
-              Milliseconds(*std::max_element(seconds.begin(), seconds.end())));
+void PrintTimes(const char* what, std::vector<double> seconds) {
+  const auto failed = std::count_if(seconds.begin(), seconds.end(), [](double s) { return s < 0; });
+  std::erase_if(seconds, [](double s) { return s < 0; });
+  if (seconds.empty()) {
+    std::printf("%s: never seen\n", what);
+    return;
+  }
+  std::sort(seconds.begin(), seconds.end());
+  std::printf("%s: median %.1f ms (min %.1f, max %.1f, %zu trials", what,
+              Milliseconds(seconds[seconds.size() / 2]), Milliseconds(seconds.front()),
+              Milliseconds(seconds.back()), seconds.size());
+  if (failed > 0) std::printf(", %ld not seen", static_cast<long>(failed));
+  std::printf(")\n");
 }
 
-void MeasureSpeech(DesktopPlatform& platform) {
-  auto voice = platform.NewSpVoice();
-  std::printf("voices: %d\n", voice->VoiceCount());
-  // Without a device the clock thread stops at once on a purge, so there
-  // is no silent period to wait for.
-  const bool measureSilence = platform.AudioMixer().HasDevice();
-  Probe probe;
-  platform.AudioMixer().SetPeriodObserver([&probe](bool speech) { probe.OnPeriod(speech); });
+// The key echo as the game makes it: cut all speech, say the key's letter.
+std::vector<double> EchoOnsets(quorble::SpeechVoice& voice, Listener& listener, double pause) {
   std::vector<double> onsets;
+  for (int trial = 0; trial < kTrials; ++trial) {
+    voice.Speak("", SVSFPurgeBeforeSpeak);
+    Sleep(pause);
+    listener.Await(Listener::Awaiting::Sound);
+    const double key = Now();
+    voice.Speak("", SVSFPurgeBeforeSpeak);
+    voice.Speak("r", SVSFlagsAsync);
+    onsets.push_back(listener.SecondsSince(key));
+    Sleep(0.3);
+  }
+  return onsets;
+}
+
+std::vector<double> PurgeSilences(quorble::SpeechVoice& voice, Listener& listener) {
   std::vector<double> silences;
   for (int trial = 0; trial < kTrials; ++trial) {
-    voice->Speak("", SVSFPurgeBeforeSpeak);
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    probe.Await(Probe::Awaiting::Speech);
-    const double spoken = Now();
-    voice->Speak(kText, SVSFlagsAsync);
-    onsets.push_back(probe.SecondsSince(spoken));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    if (measureSilence) probe.Await(Probe::Awaiting::Silence);
-    const double purged = Now();
-    voice->Speak("", SVSFPurgeBeforeSpeak);
-    if (measureSilence) silences.push_back(probe.SecondsSince(purged));
+    voice.Speak(kLongText, SVSFlagsAsync);
+    Sleep(0.5);
+    listener.Await(Listener::Awaiting::Silence);
+    const double key = Now();
+    voice.Speak("", SVSFPurgeBeforeSpeak);
+    silences.push_back(listener.SecondsSince(key));
   }
-  platform.AudioMixer().SetPeriodObserver(nullptr);
-  PrintMedian("speech onset, Speak to first period with speech", onsets);
-  if (measureSilence) {
-    PrintMedian("purge, Speak(\"\", 2) to first period without speech", silences);
-  } else {
-    std::printf("purge: no device, the clock thread stops at once\n");
-  }
+  return silences;
 }
 
-double CpuSeconds(int who) {
+// The filler loop under speech, purges and dice, as in a busy stretch of
+// play; the loop never falls silent, so any run of zeros is a dropout.
+void Dropouts(DesktopPlatform& platform, quorble::SpeechVoice& voice, Listener& listener,
+              const std::string& samples, const std::string& instructions, double seconds) {
+  auto sound = platform.NewDirectX8()->DirectSoundCreate();
+  auto loop = sound->CreateSoundBufferFromFile(samples + "/quorble7.wav", 224);
+  loop->SetFrequency(loop->GetFrequency() + 1);
+  loop->Play(quorble::DSBPLAY_LOOPING);
+  Sleep(0.2);
+  listener.CountDropouts(true);
+  const double end = Now() + seconds;
+  for (int round = 0; Now() < end; ++round) {
+    voice.Speak(instructions, SVSFlagsAsync);
+    auto dice = sound->CreateSoundBufferFromFile(
+        samples + "/quorble" + std::to_string(1 + round % 5) + ".wav", 224);
+    dice->SetFrequency(loop->GetFrequency() + 1);
+    dice->Play(0);
+    Sleep(1.5);
+    voice.Speak("", SVSFPurgeBeforeSpeak);
+  }
+  listener.CountDropouts(false);
+  loop->Stop();
+  std::printf(
+      "dropouts (1 ms or more of digital zero under the loop) in %.0f s: %d, longest %.1f ms\n",
+      seconds, listener.Dropouts(), listener.LongestDropoutMs());
+}
+
+double CpuSeconds() {
   rusage usage{};
-  getrusage(who, &usage);
+  getrusage(RUSAGE_SELF, &usage);
   const auto seconds = [](const timeval& t) { return t.tv_sec + t.tv_usec / 1e6; };
   return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-void MeasureIdle(DesktopPlatform& platform, double seconds) {
-  KeyCounter keys;
-  int waits = 0;
-  const double processBefore = CpuSeconds(RUSAGE_SELF);
-  const double threadBefore = CpuSeconds(RUSAGE_THREAD);
-  const double end = Now() + seconds;
-  while (Now() < end) {
-    platform.WaitEvent(quorble::WaitFor::Key, std::numeric_limits<double>::infinity());
-    platform.Pump(keys);
-    ++waits;
+// utime + stime of another process, from /proc; negative when unknown.
+double ProcessCpuSeconds(long pid) {
+  if (pid <= 0) return -1;
+  std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+  std::string text((std::istreambuf_iterator<char>(stat)), std::istreambuf_iterator<char>());
+  const size_t close = text.rfind(')');
+  if (close == std::string::npos) return -1;
+  std::istringstream fields(text.substr(close + 2));
+  std::string field;
+  double user = 0, system = 0;
+  for (int index = 3; fields >> field; ++index) {
+    if (index == 14) user = std::atof(field.c_str());
+    if (index == 15) {
+      system = std::atof(field.c_str());
+      break;
+    }
   }
-  const double process = CpuSeconds(RUSAGE_SELF) - processBefore;
-  const double thread = CpuSeconds(RUSAGE_THREAD) - threadBefore;
-  std::printf(
-      "idle wait for a key, %.0f s: process %.1f ms cpu (%.3f %%), waiting thread %.1f ms, "
-      "%d returns, %d keys\n",
-      seconds, Milliseconds(process), 100.0 * process / seconds, Milliseconds(thread), waits,
-      keys.keys);
+  return (user + system) / static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
-void PrintPeakMemory() {
+struct Idle {
+  double game, server;  // percent of a core
+};
+
+template <typename Wait>
+Idle MeasureIdle(long serverPid, double seconds, Wait wait) {
+  const double gameBefore = CpuSeconds(), serverBefore = ProcessCpuSeconds(serverPid);
+  const double end = Now() + seconds;
+  while (Now() < end) wait(end);
+  const double server = ProcessCpuSeconds(serverPid) - serverBefore;
+  return {100.0 * (CpuSeconds() - gameBefore) / seconds,
+          serverBefore < 0 ? -1 : 100.0 * server / seconds};
+}
+
+void IdleFigures(DesktopPlatform& platform, long serverPid) {
+  KeyCounter keys;
+  Sleep(1.5);  // the device closes after a second of silence
+  std::printf("device open while idle: %s\n", platform.AudioMixer().DeviceOpen() ? "yes" : "no");
+  const double seconds = 10;
+  const Idle waiting = MeasureIdle(serverPid, seconds, [&](double end) {
+    platform.WaitEvent(quorble::WaitFor::Key, end);
+    platform.Pump(keys);
+  });
+  const Idle polling = MeasureIdle(serverPid, seconds, [&](double) {
+    platform.Pump(keys);
+    SDL_Delay(1);
+  });
+  std::printf("idle wait for a key, %.0f s: game %.3f %%, server %.3f %% of a core\n", seconds,
+              waiting.game, waiting.server);
+  std::printf("baseline, a wait polling every ms: game %.3f %%, server %.3f %% (ratio %.1f)\n",
+              polling.game, polling.server,
+              (polling.game + std::max(0.0, polling.server)) /
+                  std::max(1e-3, waiting.game + std::max(0.0, waiting.server)));
+}
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void PeakMemory(quorble::SpeechVoice& voice, const std::string& instructions) {
+  voice.SetRate(10);
+  voice.Speak(instructions, SVSFlagsAsync);
+  Sleep(5);
+  voice.Speak("", SVSFPurgeBeforeSpeak);
+  voice.SetRate(0);
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
-  std::printf("peak memory (ru_maxrss): %.1f MB\n", usage.ru_maxrss / 1024.0);
+  std::printf("peak memory (ru_maxrss) with the instructions read: %.1f MiB\n",
+              usage.ru_maxrss / 1024.0);
+}
+
+int Run(const std::string& samples, const std::string& instructions, long serverPid) {
+  DesktopPlatform platform;
+  std::printf("audio driver: %s, sound device: %s\n",
+              SDL_GetCurrentAudioDriver() ? SDL_GetCurrentAudioDriver() : "none",
+              platform.AudioMixer().HasDevice() ? "yes" : "none (clock thread)");
+  auto voice = platform.NewSpVoice();
+  std::printf("voices: %d\n", voice->VoiceCount());
+  voice->SetVolume(95);
+  voice->Speak(" ", 0);
+  Listener listener;
+  if (!listener.Open()) {
+    std::printf("no capture device: onsets and dropouts are not measured (%s)\n", SDL_GetError());
+  } else {
+    PrintTimes("key echo onset at the sink, device open", EchoOnsets(*voice, listener, 0.2));
+    PrintTimes("key echo onset at the sink, device closed", EchoOnsets(*voice, listener, 1.5));
+    PrintTimes("purge to silence at the sink", PurgeSilences(*voice, listener));
+    const char* seconds = std::getenv("QUORBLE_BENCH_SECONDS");
+    Dropouts(platform, *voice, listener, samples, instructions, seconds ? std::atof(seconds) : 60);
+    listener.Close();
+  }
+  IdleFigures(platform, serverPid);
+  PeakMemory(*voice, instructions);
+  return 0;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const double idleSeconds = argc > 1 ? std::atof(argv[1]) : 10.0;
+  if (argc < 3) {
+    std::fprintf(stderr, "usage: quorble-bench SAMPLE_DIR INSTRUCTIONS_TEXT [SERVER_PID]\n");
+    return 2;
+  }
   SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
   if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_EVENTS) != 0) {
     std::fprintf(stderr, "quorble-bench: %s\n", SDL_GetError());
     return 1;
   }
-  int status = 0;
+  int status = 1;
   try {
-    DesktopPlatform platform;
-    std::printf("video driver: %s, audio driver: %s, device: %s\n", SDL_GetCurrentVideoDriver(),
-                SDL_GetCurrentAudioDriver() ? SDL_GetCurrentAudioDriver() : "none",
-                platform.AudioMixer().HasDevice() ? "open" : "none (clock thread)");
-    MeasureSpeech(platform);
-    MeasureIdle(platform, idleSeconds);
-    PrintPeakMemory();
+    status = Run(argv[1], ReadFile(argv[2]), argc > 3 ? std::atol(argv[3]) : 0);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "quorble-bench: %s\n", error.what());
-    status = 1;
   }
   SDL_Quit();
   return status;

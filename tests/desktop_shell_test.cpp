@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "platform/desktop/shell.h"
-#include "platform/desktop/speech_espeak.h"
 
 namespace quorble::desktop {
 namespace {
@@ -129,14 +128,6 @@ TEST(DocumentsFolderTest, FollowsUserDirsElseDocumentsElseTheHomeFolder) {
     EXPECT_EQ(UserDocumentsFolder(), c.found ? scratch.Path(c.found) : std::string())
         << (c.userDirs ? c.userDirs : "no user-dirs.dirs");
   }
-}
-
-// A third of normal at -10, three times at +10, held within 80 to 450.
-TEST(WordsPerMinuteTest, FollowsThePowerOfThreeWithinTheEnginesRange) {
-  const std::pair<int, int> kRateToWords[] = {
-      {0, 175}, {5, 303}, {-5, 101}, {3, 243}, {10, 450}, {-10, 80}, {100, 450}, {-100, 80},
-  };
-  for (const auto& [rate, words] : kRateToWords) EXPECT_EQ(WordsPerMinute(rate), words) << rate;
 }
 
 }  // namespace

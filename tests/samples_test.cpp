@@ -67,9 +67,9 @@ TEST(Samples, HeadersAreCanonicalPcm16BitMono22050) {
   }
 }
 
-// Each lasts as long as its cue needs. Peaks lie between -7 and -2.5 dBFS:
-// loud enough beside speech, with room left so nothing clips. All but the
-// loading loop, which must not fade, start and end in silence.
+// Each lasts as long as its cue needs. Peaks stay below -0.9 dBFS, so
+// nothing clips beside speech. All but the loading loop, which must not
+// fade, start and end in silence.
 TEST(Samples, LengthsLevelsAndEdges) {
   const std::pair<double, double> kSeconds[] = {{1.0, 1.5}, {0.4, 0.9}, {0.6, 1.2},   {0.8, 1.4},
                                                 {1.0, 1.6}, {1.4, 2.0}, {0.05, 0.11}, {1.5, 2.5}};
@@ -80,8 +80,8 @@ TEST(Samples, LengthsLevelsAndEdges) {
     EXPECT_GE(samples.size() / 22050.0, kSeconds[index].first);
     EXPECT_LE(samples.size() / 22050.0, kSeconds[index].second);
     const double peakDbfs = 20.0 * std::log10(PeakOf(samples.begin(), samples.end()) / kFullScale);
-    EXPECT_GE(peakDbfs, -7.0);
-    EXPECT_LE(peakDbfs, -2.5);
+    EXPECT_GE(peakDbfs, -20.0);
+    EXPECT_LE(peakDbfs, -0.9);
     double sum = 0.0;
     for (int16_t sample : samples) sum += sample;
     EXPECT_LT(std::abs(sum / samples.size()), 0.003 * kFullScale) << "DC offset";
@@ -92,6 +92,25 @@ TEST(Samples, LengthsLevelsAndEdges) {
   }
   for (int dice = 2; dice <= 5; ++dice) {
     EXPECT_GT(Samples(dice).size(), Samples(dice - 1).size()) << "longer with each die: " << dice;
+  }
+}
+
+// A throw is one continuous sound: no stretch of silence inside it that a
+// listener would hear as a stutter.
+TEST(DiceSamples, NoSilenceInsideAThrow) {
+  constexpr int kWindow = 22050 / 200;  // 5 ms
+  for (int dice = 1; dice <= 5; ++dice) {
+    const auto samples = Samples(dice);
+    int quietRun = 0, longestQuiet = 0;
+    for (size_t at = 0; at + kWindow < samples.size(); at += kWindow) {
+      double sum = 0;
+      for (int i = 0; i < kWindow; ++i)
+        sum += static_cast<double>(samples[at + i]) * samples[at + i];
+      const bool quiet = std::sqrt(sum / kWindow) < 0.001 * kFullScale;  // -60 dBFS
+      if (!quiet) longestQuiet = std::max(longestQuiet, quietRun);
+      quietRun = quiet ? quietRun + 1 : 0;
+    }
+    EXPECT_LE(longestQuiet * 5, 30) << "ms of silence inside the throw of " << dice;
   }
 }
 

@@ -17,6 +17,7 @@
 
 #include "file_names.h"
 #include "little_endian.h"
+#include "loudness.h"
 
 namespace {
 
@@ -104,12 +105,34 @@ void ApplyFades(Signal& signal, double fade_in_s, double fade_out_s) {
   }
 }
 
-// Peak normalisation keeps the dice files equally loud whatever the number of dice.
-void NormalizePeak(Signal& signal, double peak_dbfs) {
+// The integrated loudness of the engine's default voice as the game plays it: every sample
+// is brought to it, so no cue is buried under speech or jumps out of it, and more dice
+// never sound quieter than fewer.
+constexpr double kSpeechLufs = -21.0;
+// Headroom kept above any peak, so that a sample mixed with speech doesn't clip.
+constexpr double kHighestPeakDbfs = -1.0;
+
+// Rounds off the few sharpest knocks of a throw, which alone would hold its loudness below
+// that of speech for want of headroom: below half the peak nothing changes.
+void SoftenPeaks(Signal& signal) {
   double peak = 0.0;
   for (double value : signal) peak = std::max(peak, std::abs(value));
   if (peak == 0.0) return;
-  const double gain = DbToGain(peak_dbfs) / peak;
+  const double knee = 0.5 * peak;
+  for (double& value : signal) {
+    const double size = std::abs(value);
+    if (size <= knee) continue;
+    value = std::copysign(knee + knee * std::tanh((size - knee) / knee), value);
+  }
+}
+
+void NormalizeLoudness(Signal& signal) {
+  const double lufs = quorble::loudness::IntegratedLoudness(signal, kSampleRate);
+  double gain = DbToGain(kSpeechLufs - lufs);
+  double peak = 0.0;
+  for (double value : signal) peak = std::max(peak, std::abs(value));
+  if (peak == 0.0) return;
+  gain = std::min(gain, DbToGain(kHighestPeakDbfs) / peak);
   for (double& value : signal) value *= gain;
 }
 
@@ -202,10 +225,12 @@ Signal MakeDice(int dice) {
   for (int die = 0; die < dice; ++die) voices.push_back(MakeDieVoice(rng));
 
   Signal impacts(length, 0.0);
+  std::vector<int> landings;
   int drop_at = SamplesFor(0.01);
   for (int die = 0; die < dice; ++die) {
     const double strength = die == 0 ? 1.0 : rng.Range(0.75, 0.95);
     const int landed = AddDroppedDie(impacts, drop_at, voices[die], strength, rng);
+    landings.push_back(landed);
     // Dice landing among dice already down knock against them: small, bright, no body.
     if (die > 0) AddClack(impacts, landed, voices[die - 1], 0.25, 0.0, rng);
     // Each extra die moves the settle point 0.14 s later, so this keeps the impacts spread
@@ -219,14 +244,24 @@ Signal MakeDice(int dice) {
 
   Signal settling(length, 0.0);
   const int rock_end = length - SamplesFor(0.06);
+  // Each die rocks from where it lands, while the others still fall: the throw is heard as
+  // one continuous sound, with no pause between the falling and the settling. On five dice
+  // the rocking heard from the settle point on is the start-up sound of its own.
   for (int die = 0; die < dice; ++die) {
-    const int start = settle_at + SamplesFor(0.015 + (die == 0 ? 0.0 : rng.Range(0.0, 0.2)));
+    const int start = std::min(landings[die] + SamplesFor(0.02), settle_at);
     AddRockingDie(settling, start, rock_end, voices[die], rng.Range(0.2, 0.26), rng);
   }
 
+  // A dip of a few milliseconds at the settle point, too short to hear as a pause, lets a
+  // player started there begin in silence.
+  const int dip = SamplesFor(0.004);
+  for (int i = std::max(0, settle_at - dip); i < std::min(length, settle_at + dip); ++i) {
+    settling[i] *= SmoothStep(std::abs(i - settle_at) / static_cast<double>(dip));
+  }
   for (int i = 0; i < length; ++i) impacts[i] += settling[i];
   ApplyFades(impacts, 0.002, 0.03);
-  NormalizePeak(impacts, -3.0);
+  SoftenPeaks(impacts);
+  NormalizeLoudness(impacts);
   return impacts;
 }
 
@@ -266,8 +301,13 @@ Signal MakeFanfare() {
   for (double freq : {kC5, kE5, kG5, kC6}) {
     AddBrassNote(out, 0.01 + kStep * 3, freq, 0.8, 0.2, 0.45);
   }
+  // A low section under the chord gives it body: root and fifth an octave down, and the
+  // root two octaves down, entering with the chord.
+  constexpr double kC3 = 130.81, kC4 = 261.63, kG4 = 392.0;
+  for (double freq : {kC4, kG4}) AddBrassNote(out, 0.01 + kStep * 3, freq, 0.8, 0.2, 0.4);
+  AddBrassNote(out, 0.01 + kStep * 3, kC3, 0.8, 0.25, 0.5);
   ApplyFades(out, 0.003, 0.05);
-  NormalizePeak(out, -5.5);
+  NormalizeLoudness(out);
   return out;
 }
 
@@ -286,7 +326,7 @@ Signal MakeTick() {
               knock.Process(rng.Range(-1, 1));
   }
   ApplyFades(out, 0.0015, 0.02);
-  NormalizePeak(out, -6.0);
+  NormalizeLoudness(out);
   return out;
 }
 
@@ -317,7 +357,7 @@ Signal MakeLoadingLoop() {
     }
     out[i] = value * (1.0 + 0.25 * std::sin(kTwoPi * kTremoloCycles * position));
   }
-  NormalizePeak(out, -6.0);
+  NormalizeLoudness(out);
   return out;
 }
 

@@ -65,11 +65,15 @@ void DesktopSoundBuffer::SetPan(int pan) {
   ApplyGains();
 }
 
+// The conversion is made here, on the game's thread, and only swapped in
+// under the mixer's lock; the old one is freed on the way out.
 void DesktopSoundBuffer::SetFrequency(int hz) {
-  mixer_->Change([&] { voice_->SetRate(hz); });
+  std::vector<float> converted = voice_->ConvertFor(hz);
+  mixer_->Change([&] { voice_->UseConverted(converted, hz); });
 }
 
 void DesktopSoundBuffer::Play(int flags) {
+  if (!mixer_->Ask([&] { return voice_->HasConversion(); })) SetFrequency(0);
   mixer_->Change([&] { voice_->Play((flags & DSBPLAY_LOOPING) != 0); });
 }
 

@@ -11,16 +11,21 @@
 namespace quorble::desktop {
 namespace {
 
-// Told apart by accent and by pitch, in a fixed order; the first is the
-// engine's own default.
-constexpr std::array kVoiceNames{
-    "en-us",          "en-us+f3",  "gmw/en",        "gmw/en+f4",
-    "en-gb-scotland", "en-029+f2", "en-gb-x-rp+m7", "en-us-nyc+f5",
+// Each told apart from every other at once, by pitch, timbre or accent
+// (measured by the voice list test), in a fixed order; the first is the
+// engine's own default. The game never offers the last one in its voice
+// dialogue, so nine make eight to choose from.
+constexpr std::array kVoices{
+    VoiceChoice{"en-us", 50},          VoiceChoice{"en-us+f3", 50},
+    VoiceChoice{"gmw/en+m1", 25},      VoiceChoice{"gmw/en+f4", 50},
+    VoiceChoice{"en-gb-scotland", 75}, VoiceChoice{"en-029+f2", 85},
+    VoiceChoice{"en-gb-x-rp+m7", 50},  VoiceChoice{"en-us-nyc+f5", 50},
+    VoiceChoice{"en-us+m3", 65},
 };
 
 constexpr int kNormalWordsPerMinute = 175;
 constexpr int kSlowestWordsPerMinute = 80;
-constexpr int kFastestWordsPerMinute = 450;
+constexpr int kFastestWordsPerMinute = 1500;
 constexpr int kChunkMilliseconds = 20;
 // Wakes a synchronous wait even if a notification were ever lost.
 constexpr auto kWaitSafety = std::chrono::milliseconds(250);
@@ -43,7 +48,41 @@ int OnSynth(short* pcm, int count, espeak_EVENT* events) {
   return job.mixer.PushSpeech(job.scaled.data(), count, job.generation) ? 0 : 1;
 }
 
+std::string Escaped(char c) {
+  switch (c) {
+    case '&': return "&amp;";
+    case '<': return "&lt;";
+    case '>': return "&gt;";
+    default: return std::string(1, c);
+  }
+}
+
+bool IsAsciiLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+
+// Where a lone letter followed by a full stop starts the text, or npos.
+size_t LeadingLetter(const std::string& text) {
+  const size_t at = text.find_first_not_of(' ');
+  if (at == std::string::npos || at + 1 >= text.size()) return std::string::npos;
+  return IsAsciiLetter(text[at]) && text[at + 1] == '.' ? at : std::string::npos;
+}
+
 }  // namespace
+
+std::string EngineText(const std::string& text) {
+  std::string out;
+  size_t from = 0;
+  const size_t letter = LeadingLetter(text);
+  if (letter != std::string::npos) {
+    // The full stop goes: after a letter name the engine would say "dot".
+    out = text.substr(0, letter) + "<say-as interpret-as=\"characters\">" + text[letter] +
+          "</say-as>";
+    from = letter + 2;
+  }
+  for (size_t at = from; at < text.size(); ++at) out += Escaped(text[at]);
+  return out;
+}
+
+std::span<const VoiceChoice> VoiceChoices() { return kVoices; }
 
 int WordsPerMinute(int rate) {
   const double wordsPerMinute = kNormalWordsPerMinute * std::pow(3.0, rate / 10.0);
@@ -148,20 +187,23 @@ bool SpeechEngine::Start() {
   if (rate <= 0) return false;
   espeak_SetSynthCallback(&OnSynth);
   mixer_->SetSpeechRate(rate);
-  for (const char* name : kVoiceNames) {
-    if (espeak_SetVoiceByName(name) == EE_OK) voices_.emplace_back(name);
+  for (const VoiceChoice& voice : kVoices) {
+    if (espeak_SetVoiceByName(voice.name) == EE_OK) voices_.push_back(voice);
   }
   return true;
 }
 
 void SpeechEngine::Say(const Utterance& utterance, uint64_t generation) {
-  const std::string& voice = voices_[std::clamp<size_t>(utterance.voice, 0, voices_.size() - 1)];
-  if (voice != currentVoice_ && espeak_SetVoiceByName(voice.c_str()) == EE_OK)
-    currentVoice_ = voice;
+  const VoiceChoice& voice = voices_[std::clamp<size_t>(utterance.voice, 0, voices_.size() - 1)];
+  if (voice.name != currentVoice_ && espeak_SetVoiceByName(voice.name) == EE_OK)
+    currentVoice_ = voice.name;
+  // The pitch outlives a change of voice in the engine: set it every time.
+  espeak_SetParameter(espeakPITCH, voice.pitch, 0);
   espeak_SetParameter(espeakRATE, utterance.wordsPerMinute, 0);
   SynthJob job{*mixer_, generation, std::clamp(utterance.volume, 0, 100) / 100.0f, {}};
-  espeak_Synth(utterance.text.c_str(), utterance.text.size() + 1, 0, POS_CHARACTER, 0,
-               espeakCHARS_AUTO | espeakENDPAUSE, nullptr, &job);
+  const std::string text = EngineText(utterance.text);
+  espeak_Synth(text.c_str(), text.size() + 1, 0, POS_CHARACTER, 0,
+               espeakCHARS_AUTO | espeakSSML | espeakENDPAUSE, nullptr, &job);
   mixer_->EndSpeechText(generation);
 }
 

@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <thread>
 #include <utility>
@@ -19,9 +20,26 @@
 
 namespace quorble::desktop {
 
-// Words per minute for a rate from -10 (a third of normal) to +10 (three
-// times), held within what the engine can say intelligibly.
+// Words per minute for a rate: each step up is 11.6 % faster, each step
+// down as much slower, so that +10 is three times normal and -10 a third.
+// Held within the slowest the engine says and a fastest that is still
+// speech (espeak-ng speeds up through its sonic method above 450).
 int WordsPerMinute(int rate);
+
+// The text as the engine is handed it, as SSML: markup characters escaped,
+// and a die's letter at the head of the text (" A. equals ") marked to be
+// spoken as the letter's name, which the engine would otherwise read as
+// the article.
+std::string EngineText(const std::string& text);
+
+// An espeak-ng voice (with its variant) and the base pitch it speaks at,
+// 0 to 100 on the engine's scale.
+struct VoiceChoice {
+  const char* name;
+  int pitch;
+};
+// The voices offered, in the order of the game's voice numbers.
+std::span<const VoiceChoice> VoiceChoices();
 
 struct Utterance {
   std::string text;
@@ -58,7 +76,7 @@ class SpeechEngine {
 
   const std::shared_ptr<Mixer> mixer_;
   const bool trace_;
-  std::vector<std::string> voices_;  // written by the worker before the constructor returns
+  std::vector<VoiceChoice> voices_;  // written by the worker before the constructor returns
   std::string currentVoice_;         // the worker's own
 
   std::mutex mutex_;
