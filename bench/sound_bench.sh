@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Runs quorble-bench as a player hears the game: a private PulseAudio with a
 # null sink whose monitor is the default source, and a private X server.
-# With LOAD=N, N busy processes run beside it for the whole measurement.
+# With LOAD=N, N busy processes run beside it for the whole measurement;
+# with SERVER_RT=1 every thread of the server runs round-robin, as a
+# desktop's sound server does where rtkit grants it.
 #
 #   bench/sound_bench.sh BUILD_DIR
 set -uo pipefail
@@ -39,6 +41,10 @@ PIDS+=("$SERVER")
 for _ in $(seq 50); do pactl info >/dev/null 2>&1 && break; sleep 0.1; done
 pactl info >/dev/null 2>&1 || { echo "the private PulseAudio did not start"; cat "$WORK/pulse.log"; exit 1; }
 
+if [[ "${SERVER_RT:-0}" == 1 ]]; then
+  for task in /proc/"$SERVER"/task/*; do chrt -r -p 5 "${task##*/}" >/dev/null 2>&1; done
+fi
+
 for n in $(seq 150 199); do
   [[ -e "/tmp/.X$n-lock" || -e "/tmp/.X11-unix/X$n" ]] && continue
   Xvfb ":$n" -screen 0 640x480x24 -nolisten tcp >"$WORK/xvfb.log" 2>&1 &
@@ -53,6 +59,7 @@ for _ in $(seq "$LOAD"); do
   PIDS+=("$!")
 done
 
-echo "sound server: PulseAudio $(pulseaudio --version | awk '{print $2}'), null sink; load: $LOAD busy processes;" \
+echo "sound server: PulseAudio $(pulseaudio --version | awk '{print $2}'), null sink, realtime: ${SERVER_RT:-0};" \
+  "load: $LOAD busy processes;" \
   "machine load average $(cut -d' ' -f1-3 /proc/loadavg)"
 SDL_AUDIODRIVER=pulseaudio "$BUILD_DIR/bench/quorble-bench" "$BUILD_DIR" "$BUILD_DIR/quorble.txt" "$SERVER"

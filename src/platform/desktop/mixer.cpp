@@ -14,8 +14,8 @@
 namespace quorble::desktop {
 namespace {
 
-// 512 frames (11.6 ms) kept a sound server fed through two busy processes
-// on two cores, where 256 did not, and still starts an echo within 15 ms.
+// 512 frames (11.6 ms): on a sound server 1024 put a key's echo some 28 ms
+// behind the key, and 256 has the server ask for data every 1.5 ms.
 constexpr int kDefaultPeriodFrames = 512;
 constexpr int kLargestPeriod = 4096;
 // How far speech is synthesised ahead of the listener: enough to ride out
@@ -98,14 +98,17 @@ Mixer::Mixer(Notify wake, Drive drive, int periodFrames)
 }
 
 Mixer::~Mixer() {
-  std::unique_lock lock(mutex_);
   // The last thing the game does may be a beep; let it be heard.
-  beepDone_.wait_for(lock, kBeepGrace, [this] { return !BeepingLocked(); });
-  stopping_ = true;
-  lock.unlock();
+  const auto giveUp = std::chrono::steady_clock::now() + kBeepGrace;
+  while (Ask([this] { return BeepingLocked(); }) && std::chrono::steady_clock::now() < giveUp)
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  {
+    std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
   clockWake_.notify_all();
-  keeperWake_.notify_all();
-  speechRoom_.notify_all();
+  keeperWake_.Post();
+  speechRoom_.Post();
   if (clock_.joinable()) clock_.join();
   if (keeper_.joinable()) keeper_.join();
   std::lock_guard device(deviceMutex_);
@@ -155,9 +158,11 @@ bool Mixer::Deliver(const std::vector<float>& speech, uint64_t generation) {
       lock.lock();
     }
     if (done >= speech.size()) return true;
-    speechRoom_.wait(lock, [&] {
-      return speechCount_ < speechRing_.size() || generation != speechGeneration_ || stopping_;
-    });
+    if (speechCount_ == speechRing_.size()) {
+      lock.unlock();
+      speechRoom_.Wait();
+      lock.lock();
+    }
   }
 }
 
@@ -168,7 +173,7 @@ void Mixer::PurgeSpeech(uint64_t generation) {
     speechCount_ = 0;
     speechSounding_ = false;
   }
-  speechRoom_.notify_all();
+  speechRoom_.Post();
 }
 
 bool Mixer::SpeechBuffered() {
@@ -259,7 +264,7 @@ void Mixer::MixPeriod(float* mix, int frames) {
       pendingSampleEnd_ = pendingSampleEnd_ || sampleEnded;
       pendingSpeechEnd_ = pendingSpeechEnd_ || speechRanOut;
     }
-    keeperWake_.notify_one();
+    keeperWake_.Post();
   } else {
     Tell(sampleEnded, speechRanOut);
   }
@@ -298,8 +303,8 @@ void Mixer::MixChunk(float* mix, int frames, bool& sampleEnded, bool& speechRanO
     }
     room = speechCount_ < speechRing_.size();
   }
-  if (idleNow) keeperWake_.notify_one();
-  if (room) speechRoom_.notify_one();
+  if (idleNow) keeperWake_.Post();
+  if (room) speechRoom_.Post();
 }
 
 bool Mixer::MixSpeech(float* mix, int frames) {
@@ -328,7 +333,6 @@ void Mixer::MixBeep(float* mix, int frames) {
     mix[2 * frame + 1] += beep_[beepPosition_ + frame];
   }
   beepPosition_ += count;
-  if (!BeepingLocked()) beepDone_.notify_all();
 }
 
 bool Mixer::SoundingLocked() const {
@@ -364,7 +368,7 @@ void Mixer::EnsureDevice() {
     if (!opened) SilenceAllLocked();
   }
   if (!opened) {
-    speechRoom_.notify_all();
+    speechRoom_.Post();
     wake_();
   }
 }
@@ -374,7 +378,6 @@ void Mixer::SilenceAllLocked() {
   speechSounding_ = false;
   beepPosition_ = beep_.size();
   for (auto& attached : voices_) attached.voice->Silence();
-  beepDone_.notify_all();
 }
 
 // Tells the listeners what the audio thread saw, and closes the device
@@ -382,19 +385,18 @@ void Mixer::SilenceAllLocked() {
 // under both locks, so a sound asked for meanwhile either keeps it open or
 // finds it closed and opens it anew.
 void Mixer::KeepDevice() {
-  std::unique_lock lock(mutex_);
-  while (!stopping_) {
-    keeperWake_.wait(lock, [this] {
-      return stopping_ || pendingSampleEnd_ || pendingSpeechEnd_ ||
-             (deviceOpen_ && silentFrames_ >= kIdleFramesBeforeClose);
-    });
-    if (stopping_) break;
-    const bool sampleEnded = std::exchange(pendingSampleEnd_, false);
-    const bool speechRanOut = std::exchange(pendingSpeechEnd_, false);
-    lock.unlock();
+  while (true) {
+    keeperWake_.Wait();
+    bool sampleEnded = false;
+    bool speechRanOut = false;
+    {
+      std::lock_guard lock(mutex_);
+      if (stopping_) return;
+      sampleEnded = std::exchange(pendingSampleEnd_, false);
+      speechRanOut = std::exchange(pendingSpeechEnd_, false);
+    }
     Tell(sampleEnded, speechRanOut);
     CloseIfIdle();
-    lock.lock();
   }
 }
 

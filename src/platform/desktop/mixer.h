@@ -111,9 +111,8 @@ class Mixer {
 
   PiMutex mutex_;
   std::condition_variable_any clockWake_;
-  std::condition_variable_any keeperWake_;
-  std::condition_variable_any beepDone_;
-  std::condition_variable_any speechRoom_;
+  Wakeup keeperWake_;
+  Wakeup speechRoom_;
   // Speech at the mixing rate, mono, in a ring of fixed size.
   std::vector<float> speechRing_;
   size_t speechRead_ = 0;

@@ -1,3 +1,6 @@
+// Locks and wake-ups that a realtime audio thread can use: it never waits
+// on a thread of lower priority.
+//
 // A mutex with priority inheritance: a thread that holds it runs at the
 // priority of the highest one waiting for it. The realtime audio thread
 // takes the mixer's lock; with a plain mutex an ordinary thread holding it
@@ -6,6 +9,9 @@
 #pragma once
 
 #include <pthread.h>
+
+#include <atomic>
+#include <semaphore>
 
 namespace quorble::desktop {
 
@@ -28,6 +34,24 @@ class PiMutex {
 
  private:
   pthread_mutex_t mutex_;
+};
+
+// Wakes a waiting thread without ever blocking the thread that wakes it,
+// as a condition variable's notify may (it takes a lock of its own). A
+// waiter looks at the state it waits on, under its lock, after each Wait.
+class Wakeup {
+ public:
+  void Post() {
+    if (!posted_.exchange(true)) semaphore_.release();
+  }
+  void Wait() {
+    semaphore_.acquire();
+    posted_ = false;
+  }
+
+ private:
+  std::atomic<bool> posted_{false};
+  std::binary_semaphore semaphore_{0};
 };
 
 }  // namespace quorble::desktop

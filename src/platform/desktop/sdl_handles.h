@@ -4,7 +4,6 @@
 #include <SDL.h>
 
 #include <memory>
-#include <vector>
 
 namespace quorble::desktop {
 
