@@ -15,7 +15,7 @@ namespace quorble::desktop {
 namespace {
 
 // 512 frames (11.6 ms): on a sound server 1024 put a key's echo some 28 ms
-// behind the key, and 256 has the server ask for data every 1.5 ms.
+// behind the key, and 256 dropped out on a busy machine where 512 did not.
 constexpr int kDefaultPeriodFrames = 512;
 constexpr int kLargestPeriod = 4096;
 // How far speech is synthesised ahead of the listener: enough to ride out
