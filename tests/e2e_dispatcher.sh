@@ -15,105 +15,22 @@ set -uo pipefail
 
 BUILD_DIR=$(cd "${1:?usage: $0 BUILD_DIR}" && pwd) || exit 2
 GAME="$BUILD_DIR/quorble"
-HERE=$(cd "$(dirname "$0")" && pwd)
-TIME_LIMIT=${QUORBLE_E2E_TIME_LIMIT:-120}
-KEY_GAP=${QUORBLE_E2E_KEY_GAP:-0.5}
-
 WORK=$(mktemp -d "${TMPDIR:-/tmp}/quorble-spd.XXXXXX")
-XVFB_PID=""
-GAME_PID=""
+source "$(dirname "${BASH_SOURCE[0]}")/e2e_lib.sh"
 # shellcheck source=tests/private_speechd.sh
-. "$HERE/private_speechd.sh"
+source "$(dirname "${BASH_SOURCE[0]}")/private_speechd.sh"
+e2e_stop_extra() { speechd_stop; }
+# The daemon speaks in real time, so its prompts take longer to be heard.
+TIME_LIMIT=${QUORBLE_E2E_TIME_LIMIT:-120}
+AWAIT_LIMIT=${QUORBLE_E2E_AWAIT_LIMIT:-40}
 
-cleanup() {
-  [[ -n "$GAME_PID" ]] && kill "$GAME_PID" 2>/dev/null
-  speechd_stop
-  [[ -n "$XVFB_PID" ]] && kill "$XVFB_PID" 2>/dev/null
-  wait 2>/dev/null
-  [[ -n "${KEEP:-}" ]] || rm -rf "$WORK"
-}
-trap cleanup EXIT
-
-say() { echo "spd: $*"; }
-fail() {
-  echo "spd: FAILED: $*" >&2
-  [[ -s "$WORK/trace" ]] && tail -n 40 "$WORK/trace" >&2
-  exit 1
-}
-
-for tool in Xvfb xdotool timeout speech-dispatcher pulseaudio; do
-  command -v "$tool" >/dev/null || fail "$tool is not installed"
-done
-
-start_xvfb() {
-  local n
-  for n in $(seq 141 190); do
-    [[ -e "/tmp/.X$n-lock" || -e "/tmp/.X11-unix/X$n" ]] && continue
-    Xvfb ":$n" -screen 0 640x480x24 -nolisten tcp >"$WORK/xvfb.log" 2>&1 &
-    XVFB_PID=$!
-    for _ in $(seq 50); do
-      if [[ "$(tr -d ' \n' <"/tmp/.X$n-lock" 2>/dev/null)" == "$XVFB_PID" ]] &&
-        DISPLAY=":$n" xdotool getmouselocation >/dev/null 2>&1; then
-        export DISPLAY=":$n"
-        return 0
-      fi
-      kill -0 "$XVFB_PID" 2>/dev/null || break
-      sleep 0.1
-    done
-    kill "$XVFB_PID" 2>/dev/null
-    wait "$XVFB_PID" 2>/dev/null
-    XVFB_PID=""
-  done
-  return 1
-}
-start_xvfb || fail "no free display for Xvfb"
-
-export HOME="$WORK/home" XDG_CONFIG_HOME="$WORK/home/.config"
-mkdir -p "$HOME/Documents" "$XDG_CONFIG_HOME" "$WORK/cwd"
-echo 'XDG_DOCUMENTS_DIR="$HOME/Documents"' >"$XDG_CONFIG_HOME/user-dirs.dirs"
+need_tools Xvfb xdotool timeout speech-dispatcher pulseaudio
+[[ -x "$GAME" ]] || fail "no game binary at $GAME"
+start_xvfb
+make_home
+mkdir -p "$WORK/cwd"
 export SDL_AUDIODRIVER=dummy QUORBLE_TRACE=1
 cd "$WORK/cwd" || fail "no working folder"
-TRACE="$WORK/trace"
-USED=0
-
-start_game() {
-  : >"$TRACE"
-  USED=0
-  timeout --kill-after=5 "$TIME_LIMIT" "$GAME" "$@" >/dev/null 2>"$TRACE" &
-  GAME_PID=$!
-  WID=$(timeout 30 xdotool search --sync --onlyvisible --classname '^quorble$' | head -n 1)
-  [[ -n "$WID" ]] || fail "no window"
-  timeout 10 xdotool windowfocus --sync "$WID" || fail "could not focus the window"
-}
-
-await() {
-  local deadline=$((SECONDS + 40)) found
-  while ((SECONDS < deadline)); do
-    found=$(tail -n "+$((USED + 1))" "$TRACE" | grep -n -m 1 -F -- "$1" | cut -d: -f1)
-    if [[ -n "$found" ]]; then
-      USED=$((USED + found))
-      return 0
-    fi
-    kill -0 "$GAME_PID" 2>/dev/null || fail "the game ended before \"$1\""
-    sleep 0.1
-  done
-  fail "never heard \"$1\""
-}
-
-press() {
-  local key
-  for key in "$@"; do
-    sleep "$KEY_GAP"
-    xdotool key --window "$WID" "$key"
-  done
-}
-
-finish_game() {
-  local status=0
-  wait "$GAME_PID" || status=$?
-  GAME_PID=""
-  ((status == 0)) || fail "the game ended with status $status"
-}
 
 # The line number of the first trace line that is exactly $1.
 line_of() { grep -n -x -F -m 1 -- "$1" "$TRACE" | cut -d: -f1; }
@@ -131,14 +48,7 @@ speechd_start "$WORK/spd" || fail "the private speech-dispatcher did not start"
 
 say "run 1: the game through speech-dispatcher"
 start_game --speech=dispatcher
-await "read the instructions?" && press n
-await "special key instructions?" && press n
-await "Select which game" && press Return
-await "number of players" && press 1
-await "correct for the number of players?" && press y
-await "Enter the name of player" && press Return
-await "is this correct?" && press Return
-await "use this voice?" && press y
+set_up_one_player
 await "to roll the dice" && press F12
 await "use this voice?" && press Return # no: the next voice
 await "use this voice?" && press y

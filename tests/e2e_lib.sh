@@ -1,30 +1,35 @@
 # Shared by the end-to-end scripts: a private X server, the game started
 # with its trace on stderr, keys sent once the prompt they answer was said.
-# The caller sets GAME, WORK (a fresh folder, removed at exit) and then
-# calls start_xvfb.
+# The caller sets GAME, WORK (a fresh folder, removed at exit unless KEEP
+# is set) and then calls start_xvfb. A caller with daemons of its own
+# defines e2e_stop_extra, which runs at exit after the game is gone and
+# before the X server goes.
 TIME_LIMIT=${QUORBLE_E2E_TIME_LIMIT:-90}
+AWAIT_LIMIT=${QUORBLE_E2E_AWAIT_LIMIT:-30}
 KEY_GAP=${QUORBLE_E2E_KEY_GAP:-0.5}
 XVFB_PID=""
 GAME_PID=""
 WID=""
 USED_LINES=0
 GAME_STATUS=""
+TRACE="$WORK/stderr"
 
 say() { echo "e2e: $*"; }
 
 cleanup() {
   [[ -n "$GAME_PID" ]] && kill "$GAME_PID" 2>/dev/null
+  declare -F e2e_stop_extra >/dev/null && e2e_stop_extra
   [[ -n "$XVFB_PID" ]] && kill "$XVFB_PID" 2>/dev/null
   wait 2>/dev/null
-  rm -rf "$WORK"
+  [[ -n "${KEEP:-}" ]] || rm -rf "$WORK"
 }
 trap cleanup EXIT
 
 fail() {
   echo "e2e: FAILED: $*" >&2
-  if [[ -s "$WORK/stderr" ]]; then
+  if [[ -s "$TRACE" ]]; then
     echo "e2e: the last lines the game wrote to stderr:" >&2
-    tail -n 25 "$WORK/stderr" >&2
+    tail -n 40 "$TRACE" >&2
   fi
   exit 1
 }
@@ -71,19 +76,17 @@ make_home() {
   echo 'XDG_DOCUMENTS_DIR="$HOME/Documents"' >"$XDG_CONFIG_HOME/user-dirs.dirs"
 }
 
-TRACE="$WORK/stderr"
-
-# Starts the game and finds its window.
+# Starts the game with the arguments given and finds its window.
 start_game() {
   : >"$TRACE"
   USED_LINES=0
-  timeout --kill-after=5 "$TIME_LIMIT" "$GAME" >"$WORK/stdout" 2>"$TRACE" &
+  timeout --kill-after=5 "$TIME_LIMIT" "$GAME" "$@" >"$WORK/stdout" 2>"$TRACE" &
   GAME_PID=$!
   say "started $GAME (pid $GAME_PID, limit ${TIME_LIMIT}s)"
   # SDL stores the caption as UTF8_STRING, which `xdotool search --name`
   # does not match; the class finds the window and the caption is checked.
-  WID=$(timeout 20 xdotool search --sync --onlyvisible --classname '^quorble$' 2>/dev/null | head -n 1)
-  [[ -n "$WID" ]] || fail "no visible window of class quorble within 20 s"
+  WID=$(timeout 30 xdotool search --sync --onlyvisible --classname '^quorble$' 2>/dev/null | head -n 1)
+  [[ -n "$WID" ]] || fail "no visible window of class quorble within 30 s"
   CAPTION=$(xdotool getwindowname "$WID")
   [[ "$CAPTION" == *Quorble* ]] || fail "window $WID has the caption \"$CAPTION\""
   timeout 10 xdotool windowfocus --sync "$WID" || fail "could not focus window $WID"
@@ -106,7 +109,7 @@ game_end() {
 # goes in once the prompt it answers has been spoken, and a moment later,
 # since the game drops keys that come before it starts listening.
 await() {
-  local deadline=$((SECONDS + 30)) found
+  local deadline=$((SECONDS + AWAIT_LIMIT)) found
   while ((SECONDS < deadline)); do
     found=$(tail -n "+$((USED_LINES + 1))" "$TRACE" | grep -n -m 1 -F -- "$1" | cut -d: -f1)
     if [[ -n "$found" ]]; then
@@ -117,7 +120,7 @@ await() {
     alive || { game_end && fail "the game ended (status $GAME_STATUS) before it said \"$1\""; }
     sleep 0.1
   done
-  fail "the game did not say \"$1\" within 30 s"
+  fail "the game did not say \"$1\" within $AWAIT_LIMIT s"
 }
 
 press() {
