@@ -35,7 +35,7 @@ class Strategy {
 };
 
 // The expected score still to come from every state of one sheet under
-// optimal play, computed by backward induction; see strategy.cpp.
+// optimal play, computed by backward induction; see value_table.cpp.
 class ValueTable;
 
 // Builds the table from nothing (a few seconds; done at build time by a tool).
