@@ -21,7 +21,13 @@ using quorble::companion::Strategy;
 std::shared_ptr<const quorble::companion::ValueTable> LoadOrSolve(const char* path) {
   std::ifstream in(path, std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  if (auto table = quorble::companion::ParseValueTable(bytes)) return table;
+  const auto start = std::chrono::steady_clock::now();
+  auto table = quorble::companion::ParseValueTable(bytes);
+  const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+  if (table) {
+    std::printf("table of %zu bytes checked and parsed in %.1f ms\n", bytes.size(), took.count());
+    return table;
+  }
   std::printf("no valid table in %s; solving it\n", path);
   return quorble::companion::ComputeValueTable();
 }

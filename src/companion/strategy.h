@@ -38,6 +38,9 @@ class Strategy {
 // optimal play, computed by backward induction; see value_table.cpp.
 class ValueTable;
 
+// The file the build writes the table to, beside the sound samples.
+inline constexpr char kValueTableFile[] = "quorble-strategy.bin";
+
 // Builds the table from nothing (a few seconds; done at build time by a tool).
 std::shared_ptr<const ValueTable> ComputeValueTable();
 // The table as bytes, and back; null for bytes that are not a whole table.
