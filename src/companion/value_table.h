@@ -2,7 +2,7 @@
 // of the game maps onto a state.
 #pragma once
 
-#include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "companion/dice_sets.h"
@@ -38,7 +38,10 @@ struct SheetState {
 class ValueTable {
  public:
   static constexpr int kStates = (1 << kFilledRows) * (kBonusLine + 1) * 2;
-  explicit ValueTable(std::vector<float> values) : values_(std::move(values)) {}
+  // One worth for each state index; missing ones are taken as 0.
+  explicit ValueTable(std::vector<float> values) : values_(std::move(values)) {
+    values_.resize(kStates, 0.0f);
+  }
   // The expected score still to come from the state, bonus included.
   double Value(const SheetState& state) const { return values_[state.Index()]; }
   const std::vector<float>& Values() const { return values_; }
