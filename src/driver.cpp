@@ -79,6 +79,7 @@ std::optional<Exit> Form1::startUp() {
     say(" getting saved game ");
     if (!readSave()) newGame();
   }
+  if (companionMode != Companion::Off) loadCompanion();
   return std::nullopt;
 }
 
@@ -93,7 +94,8 @@ Exit Form1::turnLoop() {
     p1 = 1;
     p2 = 1;
     fnf = 0;
-    if (auto way = turn()) return *way;
+    rolled = 0;
+    if (auto way = cpu[pup] == 1 ? computerTurn() : turn()) return *way;
   }
 }
 
@@ -106,6 +108,7 @@ std::optional<Exit> Form1::turn() {
   }
   play(5);
   PickDye();
+  rolled = 1;
   for (int roll = 2; roll <= 3; ++roll) {
     const Review review = reviewDice();
     if (review == Review::Leave) return Exit::Leave;
@@ -115,6 +118,7 @@ std::optional<Exit> Form1::turn() {
     for (int i = 1; i <= kDice; ++i) nroll += dye[i] < 1 ? 1 : 0;
     if (nroll > 0) play(nroll);
     PickDye();
+    rolled = roll;
   }
   if (!chooseAndConfirm()) return Exit::Leave;
   if (recordScore()) return Exit::GameOver;
@@ -127,7 +131,7 @@ AtPrompt Form1::rollPrompt() {
     say2(" " + names[pup] + " player number " + nt(pup));
     for (;;) {
       say2(" Press R, to roll the dice ");
-      getkey();
+      getkey(Spot::RollPrompt);
       if (g == keys::kEsc) {
         if (leavingPrompt()) return AtPrompt::Leave;
         break;

@@ -180,6 +180,11 @@ bool Form1::writeSave() {
       for (int row = 1; row <= kRows; ++row) text += NumberLine(sheet[i][row][s]);
     }
   }
+  // Which players the computer plays, one bit each from player 1 up; a game
+  // of people alone keeps the file exactly as it always was.
+  int computerBits = 0;
+  for (int i = 1; i <= nop; ++i) computerBits |= cpu[i] == 1 ? 1 << (i - 1) : 0;
+  if (computerBits != 0) text += NumberLine(computerBits);
   return plat.WriteFile(fpath, text);
 }
 
@@ -191,6 +196,7 @@ struct SavedGame {
   std::array<std::string, kMaxPlayers + 1> names;
   std::array<int, kMaxPlayers + 1> fin{}, pv{}, pr{};
   std::array<std::array<std::array<int, kSheets + 1>, kRows + 1>, kMaxPlayers + 1> sheet{};
+  int computerBits = 0;
 };
 
 std::optional<SavedGame> ParseSave(const std::vector<std::string>& lines) {
@@ -210,7 +216,7 @@ std::optional<SavedGame> ParseSave(const std::vector<std::string>& lines) {
     return std::nullopt;
   }
   const size_t expected = 4 + game.nop * (4 + kRows * game.g2p);
-  if (lines.size() != expected) return std::nullopt;
+  if (lines.size() != expected && lines.size() != expected + 1) return std::nullopt;
   int finished = 0;
   for (int i = 1; i <= game.nop; ++i) {
     game.names[i] = lines[at++];
@@ -234,6 +240,9 @@ std::optional<SavedGame> ParseSave(const std::vector<std::string>& lines) {
     if (filled != (game.fin[i] == 1)) return std::nullopt;
   }
   if (finished != game.nfin || game.fin[game.pup] != 0) return std::nullopt;
+  if (lines.size() > expected && !head(game.computerBits, 1, (1 << game.nop) - 1)) {
+    return std::nullopt;
+  }
   return game;
 }
 
@@ -271,9 +280,15 @@ bool Form1::readSave() {
     fin[i] = game->fin[i];
     pv[i] = game->pv[i] < 0 || game->pv[i] > nov ? 0 : game->pv[i];
     pr[i] = game->pr[i];
+    cpu[i] = game->computerBits >> (i - 1) & 1;
     for (int s = 1; s <= g2p; ++s) {
       for (int row = 1; row <= kRows; ++row) sheet[i][row][s] = game->sheet[i][row][s];
     }
+  }
+  // A game with computer players goes on as it was begun, whatever the
+  // program was started with.
+  if (game->computerBits != 0 && companionMode == Companion::Off) {
+    companionMode = Companion::Optimal;
   }
   return true;
 }

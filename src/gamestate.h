@@ -9,7 +9,9 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "companion/strategy.h"
 #include "keys.h"
 #include "platform/platform.h"
 
@@ -70,6 +72,18 @@ struct GameState {
   std::string msg;                         // the prompt being spoken
   int winner = 0;                          // the player with the highest total, 1 to nop
   int logged = 0;                          // 1 once this game's winner is in the log
+
+  // Companion mode: 1 for a player the computer plays.
+  std::array<int, kMaxPlayers + 1> cpu{};
+};
+
+// The companion mode, off unless the player asks for it; the strength is
+// that of the computer players.
+enum class Companion { Off, Optimal, Casual };
+
+// What the program was started with.
+struct Settings {
+  Companion companion = Companion::Off;
 };
 
 // A number as the game speaks and writes it: a blank before a number that
@@ -105,7 +119,8 @@ enum class RowChoice { Scored, Filled, Refused };
 
 class Form1 : public GameState, private WindowEvents {
  public:
-  explicit Form1(Platform& platform) : plat(platform) {}
+  explicit Form1(Platform& platform, Settings settings = {})
+      : plat(platform), companionMode(settings.companion) {}
   Form1(const Form1&) = delete;
   Form1& operator=(const Form1&) = delete;
 
@@ -164,12 +179,15 @@ class Form1 : public GameState, private WindowEvents {
   // Raised out of any wait once the window has been asked to close.
   struct WindowClosed {};
   enum class Phase { StartUp, Turns, EndOfGame, Leaving };
+  // The screen a key wait belongs to, for the companion's keys.
+  enum class Spot { None, RollPrompt, Dice, Board, Scoring };
 
   void pump();
   // The game's one wait: pumps, and until `done` holds blocks on the
   // platform for `what` or the deadline, so no wait ever spins.
   void pumpUntil(const std::function<bool()>& done, WaitFor what,
                  double deadline = std::numeric_limits<double>::infinity());
+  void getkey(Spot at);
   bool present(const std::string& path);
   std::string locate(const std::string& path);
   std::string join(const std::string& name) const;
@@ -220,12 +238,36 @@ class Form1 : public GameState, private WindowEvents {
   void writeLog();
   void appendWinner();
 
+  // Companion mode.
+  void loadCompanion();
+  void askComputers();
+  void nameComputers();
+  void companionKey();
+  void sayHint();
+  void sayTotals();
+  std::vector<companion::Sheet> sheetsOf(int player) const;
+  std::optional<Exit> computerTurn();
+  companion::Move computerRolls();
+  void noteKey();
+  void computerSays(const std::string& text);
+  void computerPause(double seconds);
+  void computerSample(int a);
+  void hearOut();
+
   Platform& plat;
   Phase phase = Phase::StartUp;
   bool closing = false;
   bool closeSeen = false;
   int dialogDepth = 0;
   bool logWritten = false;
+
+  Companion companionMode;
+  int computers = 0;  // of the players being set up, the last ones
+  int rolled = 0;     // rolls made in this turn
+  Spot spot = Spot::None;
+  bool skipping = false;                          // a key has asked for the computer's decision now
+  std::unique_ptr<companion::Strategy> adviser;   // the hint's advice
+  std::unique_ptr<companion::Strategy> opponent;  // the computer players' play
   bool keepSave = false;  // an unreadable saved game stayed where it was
   bool refused = false;   // another copy of the game holds the data folder
 };

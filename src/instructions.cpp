@@ -69,6 +69,9 @@ void Form1::spekey() {
       " f12, change voice. "
       " escape key, exit game. "
       " control key, change rate of speech. ");
+  if (companionMode != Companion::Off) {
+    say2(" f5, a hint for your dice. f6, your running totals. ");
+  }
 }
 
 }  // namespace quorble

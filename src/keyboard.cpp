@@ -1,5 +1,6 @@
 // The key latch, the waits, and the prompts that set up a new game.
 #include <cctype>
+#include <utility>
 
 #include "gamestate.h"
 #include "prompts.h"
@@ -72,12 +73,21 @@ void Form1::getkey() {
     stopspeech();
     if (dialogDepth < kMaxDialogDepth && (g == keys::kCtrl || g == keys::kF12)) {
       ++dialogDepth;
+      const Spot outer = std::exchange(spot, Spot::None);
       if (g == keys::kCtrl) adjrate();
       if (g == keys::kF12) changevoice(ck);
+      spot = outer;
       --dialogDepth;
     }
     if (CodeValue(g) <= keys::kF2.code) return;
+    companionKey();
   }
+}
+
+void Form1::getkey(Spot at) {
+  spot = at;
+  getkey();
+  spot = Spot::None;
 }
 
 void Form1::dy(double seconds) {
@@ -214,9 +224,11 @@ void Form1::newGame() {
   GetGame();
   dy(0.2);
   GetNop();
+  askComputers();
   SetSheet();
   dy(0.2);
   nameLoop();
+  nameComputers();
   for (int i = 1; i <= kMaxPlayers; ++i) {
     fin[i] = 0;
     tot[i] = 0;
@@ -226,7 +238,7 @@ void Form1::newGame() {
 }
 
 void Form1::nameLoop() {
-  for (ck = 1; ck <= nop; ++ck) {
+  for (ck = 1; ck <= nop - computers; ++ck) {
     msg = " Enter the name of player number " + nt(ck);
     do {
       getter(msg);

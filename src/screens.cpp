@@ -40,7 +40,7 @@ void Form1::seldice() {
         if (dye[cursor] >= 1) say2(nt(dye[cursor]));
       }
       speakDie = true;
-      getkey();
+      getkey(Spot::Dice);
       if (g == keys::kEnter || g == keys::kSpace) {
         dye[cursor] = -1;
         dy3(0.2);
@@ -145,7 +145,7 @@ void Form1::rebord() {
   for (;;) {
     if (from == SpeakFrom::Sheet) sheetPhrase();
     rowPhrase();
-    getkey();
+    getkey(Spot::Board);
     if (g == keys::kEsc || g2 == "m") return;
     if (const auto moved = MoveOnBoard(g, g2p, p1, p2)) {
       from = *moved;
@@ -166,7 +166,7 @@ void Form1::scoring() {
     }
     if (from != SpeakFrom::Row) sheetPhrase();
     rowPhrase();
-    getkey();
+    getkey(Spot::Scoring);
     if (g == keys::kEnter || g == keys::kSpace) {
       const RowChoice choice = chooseRow();
       if (choice == RowChoice::Scored) return;

@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "app/companion_option.h"
 #include "app/options.h"
 #include "gamestate.h"
 #include "platform/desktop/desktop_platform.h"
@@ -38,6 +39,7 @@ const std::vector<quorble::app::OptionSpec> kOptionSpecs = {
      .envVar = "QUORBLE_SPEECH",
      .valueName = "ENGINE",
      .help = "espeak (built in, the default) or dispatcher"},
+    quorble::app::CompanionOption("QUORBLE_COMPANION"),
 };
 
 std::string Usage() {
@@ -102,7 +104,7 @@ bool OnDesktopDriver() {
   return driver == "x11" || driver == "wayland";
 }
 
-int Play(quorble::desktop::SpeechBackend speech) {
+int Play(quorble::desktop::SpeechBackend speech, const quorble::Settings& settings) {
   quorble::desktop::QuitOnSignals signals;  // before any other thread starts
   const bool driverChosen = IsSet("SDL_VIDEODRIVER");
   if (!driverChosen && !IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY")) return NoDisplay();
@@ -111,7 +113,7 @@ int Play(quorble::desktop::SpeechBackend speech) {
     if (sdl.ok() && (driverChosen || OnDesktopDriver())) {
       try {
         quorble::desktop::DesktopPlatform platform(speech);
-        quorble::Form1 form(platform);
+        quorble::Form1 form(platform, settings);
         form.Form_Load();
         if (platform.DisplayLost()) sdl.Abandon();
         if (form.alreadyRunning()) {
@@ -156,5 +158,12 @@ int main(int argc, char** argv) {
                  speechName.c_str(), Usage().c_str());
     return kBadUsage;
   }
-  return Play(*speech);
+  quorble::Settings settings;
+  const auto companion = quorble::app::CompanionFrom(*options, error.message);
+  if (!companion) {
+    std::fprintf(stderr, "quorble: %s\n%s", error.message.c_str(), Usage().c_str());
+    return kBadUsage;
+  }
+  settings.companion = *companion;
+  return Play(*speech, settings);
 }

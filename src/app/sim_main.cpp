@@ -5,6 +5,7 @@
 #include <sstream>
 #include <vector>
 
+#include "app/companion_option.h"
 #include "app/options.h"
 #include "gamestate.h"
 #include "platform/common/disk.h"
@@ -20,12 +21,14 @@ constexpr int kStuck = 3;
 struct Options {
   quorble::sim::Folders folders;
   std::string script;
+  quorble::Settings settings;
 };
 
 const std::vector<quorble::app::OptionSpec> kOptionSpecs = {
     {.name = "--docs", .valueName = "DIR", .help = "the user's documents folder"},
     {.name = "--cwd", .valueName = "DIR", .help = "the process's current folder"},
     {.name = "--samples", .valueName = "DIR", .help = "the folder of the sound samples"},
+    quorble::app::CompanionOption(""),
 };
 
 // The simulator reads no environment: a run depends on its command line and
@@ -37,6 +40,10 @@ bool ParseCommandLine(int argc, char** argv, Options& options) {
   const auto parsed = quorble::app::ParseOptions(
       kOptionSpecs, std::vector<std::string>(argv + 1, argv + argc), NoEnvironment, error);
   if (!parsed || parsed->positional.size() != 1) return false;
+  std::string strengthError;
+  const auto companion = quorble::app::CompanionFrom(*parsed, strengthError);
+  if (!companion) return false;
+  options.settings.companion = *companion;
   options.folders.docs = parsed->Value("--docs");
   options.folders.cwd = parsed->Value("--cwd", quorble::disk::CurrentDirectory());
   options.folders.samples = parsed->Value("--samples", quorble::disk::ExecutableFolder());
@@ -49,7 +56,8 @@ bool ParseCommandLine(int argc, char** argv, Options& options) {
 int main(int argc, char** argv) {
   Options options;
   if (!ParseCommandLine(argc, argv, options)) {
-    std::cerr << "usage: quorble-sim [--docs DIR] [--cwd DIR] [--samples DIR] SCRIPT\n";
+    std::cerr << "usage: quorble-sim [--docs DIR] [--cwd DIR] [--samples DIR] "
+                 "[--companion[=casual]] SCRIPT\n";
     return kBadUsage;
   }
   quorble::sim::Script script;
@@ -71,7 +79,7 @@ int main(int argc, char** argv) {
     try {
       bool refused = false;
       {
-        quorble::Form1 form(platform);
+        quorble::Form1 form(platform, options.settings);
         form.Form_Load();
         refused = form.alreadyRunning();
       }
