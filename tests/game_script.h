@@ -143,16 +143,19 @@ class SimWorld {
     std::ofstream(path, std::ios::binary) << bytes;
   }
 
+  fs::path Root() const { return root_; }
+
   // Without `documents` the user has no documents folder. `environment`
-  // goes in front of the command, as "NAME=value ...".
-  SimRun Run(const std::string& script, bool documents = true,
-             const std::string& environment = "") const {
+  // goes in front of the command, as "NAME=value ...", and `options` on the
+  // command line behind the test's own.
+  SimRun Run(const std::string& script, bool documents = true, const std::string& environment = "",
+             const std::string& options = "") const {
     Write(root_ / "script", script);
     const auto quoted = [](const fs::path& path) { return " '" + path.string() + "'"; };
     const fs::path docs = documents ? root_ / "docs" : fs::path();
     const std::string command = environment + " " + QUORBLE_SIM + " --samples" +
                                 quoted(QUORBLE_SAMPLES) + " --cwd" + quoted(Cwd()) + " --docs" +
-                                quoted(docs) + quoted(root_ / "script") + " >" +
+                                quoted(docs) + " " + options + quoted(root_ / "script") + " >" +
                                 quoted(root_ / "out") + " 2>" + quoted(root_ / "err");
     SimRun run;
     const int raw = std::system(command.c_str());
@@ -166,6 +169,12 @@ class SimWorld {
     }
     return run;
   }
+
+  SimRun Run(const std::string& script, const std::string& options) const {
+    return Run(script, true, "", options);
+  }
+  // A literal would be taken for the documents flag.
+  SimRun Run(const std::string& script, const char* options) const = delete;
 
  private:
   // With QUORBLE_TRANSCRIPT_DIR set, every transcript is kept there, one file
