@@ -230,10 +230,27 @@ TEST(Companion, WithoutItsTableTheCompanionPlaysTheSimpleWayAndSaysSo) {
   EXPECT_NE(run.Find(R"(speak async " scores )"), -1);
 }
 
-TEST(Companion, UnknownStrengthIsRefused) {
-  SimWorld world;
-  EXPECT_EQ(world.Run("key n\n", "--companion=strong").status, 2);
-  EXPECT_EQ(world.Run("key n\n", "--companion=casual").status, 3);
+// A full house on the first roll: the casual player takes it, the optimal
+// one plays on for fives.
+TEST(Companion, StrengthIsChosenByTheOption) {
+  const std::string script = WithComputers(2, 1) + "dice 1 2 3 4 5 5 5 5 2 2\n" + AnnScores(1);
+  const struct {
+    std::string option;
+    int status;
+    std::string first;
+  } kCases[] = {{"--companion", 3, " keeps A B C "},
+                {"--companion=casual", 3, " scores 25 points for full house "},
+                {"--companion=optimal", 3, " keeps A B C "},
+                {"--companion=strong", 2, ""}};
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.option);
+    SimWorld world;
+    const SimRun run = world.Run(script, c.option);
+    ASSERT_EQ(run.status, c.status) << run.Dump();
+    if (c.status != 3) continue;
+    const int at = run.Find(R"(" E. equals  2")", run.Find("computer 1 player number"));
+    EXPECT_TRUE(HeardFrom(run, at, R"(" E. equals  2" | ")" + c.first + "\"")) << run.Dump();
+  }
 }
 
 }  // namespace
