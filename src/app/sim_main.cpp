@@ -42,7 +42,10 @@ bool ParseCommandLine(int argc, char** argv, Options& options) {
   if (!parsed || parsed->positional.size() != 1) return false;
   std::string strengthError;
   const auto companion = quorble::app::CompanionFrom(*parsed, strengthError);
-  if (!companion) return false;
+  if (!companion) {
+    std::cerr << "quorble-sim: " << strengthError << '\n';
+    return false;
+  }
   options.settings.companion = *companion;
   options.folders.docs = parsed->Value("--docs");
   options.folders.cwd = parsed->Value("--cwd", quorble::disk::CurrentDirectory());
