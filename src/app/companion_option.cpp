@@ -11,9 +11,7 @@ OptionSpec CompanionOption(const std::string& envVar) {
           .envVar = envVar,
           .valueName = "casual",
           .valueOptional = true,
-          .help =
-              "play with computer players, hints (F5) and running totals (F6); "
-              "casual for weaker computer players"};
+          .help = "play with computer players, hint F5, totals F6"};
 }
 
 std::optional<Companion> CompanionFrom(const ParsedOptions& parsed, std::string& error) {
