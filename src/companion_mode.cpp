@@ -34,7 +34,7 @@ void Form1::askComputers() {
     clk();
     say2(" How many of them are computer players? ");
     getkey();
-    if (g == "112") continue;
+    if (g == keys::kF1) continue;
     saykey();
     if (g2.size() == 1 && std::isdigit(static_cast<unsigned char>(g2[0])) && g2[0] - '0' < nop) {
       computers = g2[0] - '0';
@@ -77,8 +77,8 @@ std::vector<companion::Sheet> Form1::sheetsOf(int player) const {
 // screens in a turn, and speak over nothing else.
 void Form1::companionKey() {
   if (companionMode == Companion::Off || phase != Phase::Turns || spot == Spot::None) return;
-  if (g == "116") sayHint();
-  if (g == "117") sayTotals();
+  if (g == keys::kF5) sayHint();
+  if (g == keys::kF6) sayTotals();
 }
 
 void Form1::sayHint() {

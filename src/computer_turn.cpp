@@ -1,8 +1,6 @@
 // A computer player's turn, played out loud in its own voice at a pace a
 // listener can follow. Any key hurries it: the rest of the turn is played
 // in silence and only its decision is spoken.
-#include <algorithm>
-
 #include "companion_text.h"
 #include "gamestate.h"
 
@@ -53,7 +51,7 @@ companion::Move Form1::computerRolls() {
       dice[i - 1] = dye[i];
     }
     hearOut();
-    if (fnf == 0 && std::all_of(dice.begin(), dice.end(), [&](int d) { return d == dice[0]; })) {
+    if (fnf == 0 && FiveAlike(dye)) {
       computerSample(0);
       fnf = 1;
     }

@@ -49,6 +49,8 @@ inline constexpr Key kKeypadDecimal{110, "110"};
 inline constexpr Key kKeypadDivide{111, "111"};
 inline constexpr Key kF1{112, "112"};  // F2 to F12 follow it
 inline constexpr Key kF2{113, "113"};
+inline constexpr Key kF5{116, "116"};
+inline constexpr Key kF6{117, "117"};
 inline constexpr Key kF12{123, "123"};
 inline constexpr Key kNumLock{144, "144"};
 inline constexpr Key kScrollLock{145, "145"};
@@ -108,6 +110,8 @@ constexpr std::array kAll{
     kKeypadDivide,
     kF1,
     kF2,
+    kF5,
+    kF6,
     kF12,
     kNumLock,
     kScrollLock,
