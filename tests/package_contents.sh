@@ -26,6 +26,7 @@ done
 expected=$(
   printf '%s\n' ./usr/games/quorble \
     ./usr/share/games/quorble/quorble{0..7}.wav ./usr/share/games/quorble/quorble.txt \
+    ./usr/share/games/quorble/quorble-strategy.bin \
     ./usr/share/applications/quorble.desktop \
     "./usr/share/metainfo/$APP_ID.metainfo.xml" \
     "./usr/share/icons/hicolor/scalable/apps/$APP_ID.svg" \
