@@ -143,8 +143,6 @@ class SimWorld {
     std::ofstream(path, std::ios::binary) << bytes;
   }
 
-  fs::path Root() const { return root_; }
-
   // Without `documents` the user has no documents folder. `environment`
   // goes in front of the command, as "NAME=value ...", and `options` on the
   // command line behind the test's own.

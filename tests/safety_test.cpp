@@ -115,7 +115,8 @@ TEST(Safety, OversizedFilesAreNotRead) {
   const std::string longName(9 * 1024 * 1024, 'x');
   const std::string save = SaveText(1, 1, {{longName, 0, 0, 0, std::vector<int>(14, -1)}});
   SimWorld::Write(world.Data() / "quorble.sav", save);
-  SimWorld::Write(world.Data() / "quorble.cfg", " 2 \r\n 4 \r\n" + std::string(9 * 1024 * 1024, ' '));
+  SimWorld::Write(world.Data() / "quorble.cfg",
+                  " 2 \r\n 4 \r\n" + std::string(9 * 1024 * 1024, ' '));
   const SimRun run = world.Run("key n n\n");
   EXPECT_EQ(run.status, 3);
   EXPECT_NE(run.Find("could not be read"), -1);
