@@ -13,7 +13,8 @@ namespace quorble {
 // advises, the simple way, and says so, rather than refusing the mode.
 void Form1::loadCompanion() {
   if (adviser) return;
-  const auto bytes = plat.ReadFile(plat.ProgramFolder() + "/" + companion::kValueTableFile);
+  const auto bytes = plat.ReadFile(plat.ProgramFolder() + "/" + companion::kValueTableFile,
+                                   companion::kValueTableLimit);
   const auto table = bytes ? companion::ParseValueTable(*bytes) : nullptr;
   if (!table) {
     adviser = companion::MakeCasualStrategy();

@@ -137,7 +137,7 @@ void Form1::cotext() {
     source = locate(plat.ProgramFolder() + "/" + file_names::kInstructions);
   }
   if (source.empty()) return;
-  const auto content = plat.ReadFile(source);
+  const auto content = plat.ReadFile(source, kGameFileLimit);
   if (!content) return;
   std::string copy;
   auto lines = Lines(*content);
@@ -149,7 +149,7 @@ void Form1::cotext() {
 void Form1::readConfig(const std::string& path) {
   const std::string found = locate(path);
   if (found.empty()) return;
-  const auto content = plat.ReadFile(found);
+  const auto content = plat.ReadFile(found, kGameFileLimit);
   const auto words = content ? Words(*content) : std::vector<std::string>{};
   auto value = [&words](size_t i) {
     return i < words.size() ? ParseNumber(words[i]).value_or(0) : 0;
@@ -264,7 +264,7 @@ bool Form1::setAside(const std::string& path) {
 // aside, never deleted, and a new game begins.
 bool Form1::readSave() {
   const std::string found = locate(fpath);
-  const auto content = plat.ReadFile(found);
+  const auto content = plat.ReadFile(found, kGameFileLimit);
   const auto game = content ? ParseSave(Lines(*content)) : std::nullopt;
   if (!game) {
     keepSave = !setAside(found);

@@ -187,6 +187,7 @@ TEST(MixerTest, DeliversLongSpeechWithoutAGapWhenFedAtItsOwnPace) {
   constexpr int kTexts = 20, kChunksPerText = 10, kChunk = 441;  // 20 ms chunks
   const std::vector<int16_t> chunk(kChunk, 8000);
   std::atomic<int> chunksPushed{0};
+  std::atomic<bool> allPushed{false};
   std::thread speech([&] {
     for (int text = 0; text < kTexts; ++text) {
       for (int piece = 0; piece < kChunksPerText; ++piece) {
@@ -195,7 +196,18 @@ TEST(MixerTest, DeliversLongSpeechWithoutAGapWhenFedAtItsOwnPace) {
       }
       mixer.EndSpeechText(0);
     }
+    allPushed = true;
   });
+  // A synthesiser is far faster than speech: before each period the test
+  // lets the speech thread get two chunks ahead, however busy the machine,
+  // so a gap can only come from the mixer.
+  const auto letSpeechAhead = [&](int mixed) {
+    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    while (!allPushed && chunksPushed * kChunk * 2 - mixed < kPeriodFrames + 4 * kChunk &&
+           std::chrono::steady_clock::now() < giveUp) {
+      std::this_thread::sleep_for(std::chrono::microseconds(100));
+    }
+  };
   auto voice = MakeVoice(1.0);
   mixer.Attach(voice);
   mixer.Change([&] { voice->Play(false); });
@@ -206,7 +218,7 @@ TEST(MixerTest, DeliversLongSpeechWithoutAGapWhenFedAtItsOwnPace) {
   // threshold for a few dozen frames.
   const int expectHeard = speechFrames - kTexts * 100;
   for (int mixed = 0; heard < expectHeard && mixed < 2 * speechFrames; mixed += kPeriodFrames) {
-    std::this_thread::sleep_for(std::chrono::microseconds(200));
+    letSpeechAhead(mixed);
     mostAhead = std::max(mostAhead, chunksPushed * kChunk * 2 - mixed);
     mixer.MixPeriod(period.data(), kPeriodFrames);
     for (int frame = 0; frame < kPeriodFrames; ++frame) {
@@ -218,7 +230,10 @@ TEST(MixerTest, DeliversLongSpeechWithoutAGapWhenFedAtItsOwnPace) {
     }
   }
   EXPECT_GE(heard, expectHeard);
-  EXPECT_LE(longestGap, 100) << "frames of silence inside the speech";
+  // Between two texts the resampler's ramp out and ramp in leave up to about
+  // 100 quiet frames, depending on where the text ends in a period; a
+  // starved mixer leaves hundreds.
+  EXPECT_LE(longestGap, 128) << "frames of silence inside the speech";
   EXPECT_LT(mostAhead, kMixRate / 2) << "synthesis ran far ahead of the listener";
   mixer.PurgeSpeech(1);
   speech.join();

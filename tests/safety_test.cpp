@@ -112,11 +112,11 @@ TEST(Safety, PlantedLinkIsNotFollowed) {
 // Nothing the game reads comes near 8 MiB: a bigger file is not read.
 TEST(Safety, OversizedFilesAreNotRead) {
   SimWorld world;
-  const std::string longName(9 * 1024 * 1024, 'x');
+  const std::string longName(2 * 1024 * 1024, 'x');
   const std::string save = SaveText(1, 1, {{longName, 0, 0, 0, std::vector<int>(14, -1)}});
   SimWorld::Write(world.Data() / "quorble.sav", save);
   SimWorld::Write(world.Data() / "quorble.cfg",
-                  " 2 \r\n 4 \r\n" + std::string(9 * 1024 * 1024, ' '));
+                  " 2 \r\n 4 \r\n" + std::string(2 * 1024 * 1024, ' '));
   const SimRun run = world.Run("key n n\n");
   EXPECT_EQ(run.status, 3);
   EXPECT_NE(run.Find("could not be read"), -1);

@@ -5,11 +5,16 @@
 // around, so the game code reads like its design.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
 
 namespace quorble {
+
+// The most ReadFile takes of a file the game itself writes: none comes near
+// it, a 5,000-character name included.
+inline constexpr std::size_t kGameFileLimit = std::size_t{1} << 20;
 
 // Flags for SpeechVoice::Speak.
 inline constexpr int SVSFDefault = 0;           // wait until all queued speech is heard
@@ -132,8 +137,8 @@ class Platform {
   // Never replaces what is already at `to`: false then, and nothing moves.
   virtual bool RenameFile(const std::string& from, const std::string& to) = 0;
   // Nothing for a file that can't be read, that is no regular file, or
-  // that is over 1 MiB, which no file of the game's comes near.
-  virtual std::optional<std::string> ReadFile(const std::string& path) = 0;
+  // that is over `limit` bytes: a planted giant is refused unread.
+  virtual std::optional<std::string> ReadFile(const std::string& path, std::size_t limit) = 0;
   // Writes through a temporary file renamed over the old one, so that a
   // crash or a full disk never leaves a torn file. False changes nothing.
   virtual bool WriteFile(const std::string& path, const std::string& bytes) = 0;

@@ -44,9 +44,9 @@ class MemoryPlatform : public sim::SimPlatform {
     files.erase(from);
     return true;
   }
-  std::optional<std::string> ReadFile(const std::string& path) override {
+  std::optional<std::string> ReadFile(const std::string& path, std::size_t limit) override {
     const auto found = files.find(path);
-    if (found == files.end() || found->second.size() > disk::kMaxFileBytes) return std::nullopt;
+    if (found == files.end() || found->second.size() > limit) return std::nullopt;
     return found->second;
   }
   bool WriteFile(const std::string& path, const std::string& bytes) override {

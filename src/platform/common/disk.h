@@ -8,11 +8,9 @@
 
 namespace quorble::disk {
 
-// Larger files are refused unread. The largest file the game reads is the
-// companion's strategy table of 4 MB; nothing the game writes comes near
-// this, a very long name included, and a planted giant must not eat the
-// memory.
-inline constexpr std::size_t kMaxFileBytes = std::size_t{8} << 20;
+// Larger files are refused unread unless the caller allows more: no small
+// file we read comes near it, and a planted giant must not eat the memory.
+inline constexpr std::size_t kMaxFileBytes = std::size_t{1} << 20;
 
 std::string FindName(const std::string& path, bool directories);
 bool MakeDirectory(const std::string& path);

@@ -17,8 +17,8 @@ class DiskPlatform : public Platform {
   bool RenameFile(const std::string& from, const std::string& to) override {
     return disk::RenameFile(from, to);
   }
-  std::optional<std::string> ReadFile(const std::string& path) override {
-    return disk::ReadFile(path);
+  std::optional<std::string> ReadFile(const std::string& path, std::size_t limit) override {
+    return disk::ReadFile(path, limit);
   }
   bool WriteFile(const std::string& path, const std::string& bytes) override {
     return disk::WriteFile(path, bytes);
