@@ -193,9 +193,9 @@ namespace {
 // A saved game as read from its lines, before it is trusted.
 struct SavedGame {
   int nop = 0, pup = 0, g2p = 0, nfin = 0;
-  std::array<std::string, kMaxPlayers + 1> names;
-  std::array<int, kMaxPlayers + 1> fin{}, pv{}, pr{};
-  std::array<std::array<std::array<int, kSheets + 1>, kRows + 1>, kMaxPlayers + 1> sheet{};
+  Indexed<std::string, kMaxPlayers + 1> names;
+  Indexed<int, kMaxPlayers + 1> fin{}, pv{}, pr{};
+  Indexed<PlayerSheets, kMaxPlayers + 1> sheet{};
   int computerBits = 0;
 };
 
@@ -215,7 +215,7 @@ std::optional<SavedGame> ParseSave(const std::vector<std::string>& lines) {
       !head(game.nfin, 0, game.nop - 1)) {
     return std::nullopt;
   }
-  const size_t expected = 4 + game.nop * (4 + kRows * game.g2p);
+  const auto expected = static_cast<size_t>(4 + game.nop * (4 + kRows * game.g2p));
   if (lines.size() != expected && lines.size() != expected + 1) return std::nullopt;
   int finished = 0;
   for (int i = 1; i <= game.nop; ++i) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "companion/strategy.h"
+#include "indexed.h"
 #include "keys.h"
 #include "platform/platform.h"
 
@@ -21,6 +22,9 @@ inline constexpr int kMaxPlayers = 10;  // declared bound; nine can be entered
 inline constexpr int kRows = 14;
 inline constexpr int kSheets = 3;
 inline constexpr int kDice = 5;
+
+// One player's score sheets: [row][sheet], a row's score, -1 while empty.
+using PlayerSheets = Indexed<Indexed<int, kSheets + 1>, kRows + 1>;
 
 struct GameState {
   // Key and text fields.
@@ -45,14 +49,13 @@ struct GameState {
   int ck = 0;    // the player being named at set-up, 1 to nop; F12 changes their voice
 
   // Arrays.
-  // sheet[player][row][sheet]: a row's score, -1 while empty; index 0 unused.
-  std::array<std::array<std::array<int, kSheets + 1>, kRows + 1>, kMaxPlayers + 1> sheet{};
-  std::array<std::string, kRows + 1> titles;       // each row's spoken name, 1 to kRows
-  std::array<std::string, kMaxPlayers + 1> names;  // each player's name, 1 to nop
-  std::array<int, kDice + 1> dye{};                // the dice 1 to 5: faces 1 to 6, below 1 to roll
-  std::array<int, kDice + 1> dyecopy{};            // the dice as last rolled, for undoing a choice
-  std::array<int, kMaxPlayers + 1> pv{};           // each player's voice, as nv
-  std::array<int, kMaxPlayers + 1> pr{};           // each player's speech rate, as vr
+  Indexed<PlayerSheets, kMaxPlayers + 1> sheet{};  // [player][row][sheet]; index 0 unused
+  Indexed<std::string, kRows + 1> titles;          // each row's spoken name, 1 to kRows
+  Indexed<std::string, kMaxPlayers + 1> names;     // each player's name, 1 to nop
+  Indexed<int, kDice + 1> dye{};                   // the dice 1 to 5: faces 1 to 6, below 1 to roll
+  Indexed<int, kDice + 1> dyecopy{};               // the dice as last rolled, for undoing a choice
+  Indexed<int, kMaxPlayers + 1> pv{};              // each player's voice, as nv
+  Indexed<int, kMaxPlayers + 1> pr{};              // each player's speech rate, as vr
 
   // Platform objects.
   std::unique_ptr<SpeechVoice> Voice;  // the voice speaking now
@@ -62,19 +65,19 @@ struct GameState {
   int sbdesc = 0;                      // the sound buffers' capability flags
 
   // Driver fields.
-  std::array<int, kMaxPlayers + 1> fin{};  // 1 once a player has filled every sheet, else 0
-  int nfin = 0;                            // how many players have finished, 0 to nop
-  std::array<int, kMaxPlayers + 1> tot{};  // each player's final score, every sheet summed
-  std::array<int, 8> cnt{};                // dice per face 1 to 6 (the rules count in locals)
-  int pts = 0;                             // the value of the dice on the chosen row
-  int nroll = 0;                           // dice to roll this time, 0 to 5
-  std::string fpath;                       // the saved game's path
-  std::string msg;                         // the prompt being spoken
-  int winner = 0;                          // the player with the highest total, 1 to nop
-  int logged = 0;                          // 1 once this game's winner is in the log
+  Indexed<int, kMaxPlayers + 1> fin{};  // 1 once a player has filled every sheet, else 0
+  int nfin = 0;                         // how many players have finished, 0 to nop
+  Indexed<int, kMaxPlayers + 1> tot{};  // each player's final score, every sheet summed
+  Indexed<int, 8> cnt{};                // dice per face 1 to 6 (the rules count in locals)
+  int pts = 0;                          // the value of the dice on the chosen row
+  int nroll = 0;                        // dice to roll this time, 0 to 5
+  std::string fpath;                    // the saved game's path
+  std::string msg;                      // the prompt being spoken
+  int winner = 0;                       // the player with the highest total, 1 to nop
+  int logged = 0;                       // 1 once this game's winner is in the log
 
   // Companion mode: 1 for a player the computer plays.
-  std::array<int, kMaxPlayers + 1> cpu{};
+  Indexed<int, kMaxPlayers + 1> cpu{};
 };
 
 // The companion mode, off unless the player asks for it; the strength is
@@ -268,8 +271,8 @@ class Form1 : public GameState, private WindowEvents {
   bool skipping = false;                          // a key has asked for the computer's decision now
   std::unique_ptr<companion::Strategy> adviser;   // the hint's advice
   std::unique_ptr<companion::Strategy> opponent;  // the computer players' play
-  bool keepSave = false;  // an unreadable saved game stayed where it was
-  bool refused = false;   // another copy of the game holds the data folder
+  bool keepSave = false;                          // an unreadable saved game stayed where it was
+  bool refused = false;                           // another copy of the game holds the data folder
 };
 
 }  // namespace quorble

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <string_view>
 
 namespace quorble::keys {
@@ -69,10 +70,10 @@ inline constexpr Key kApostrophe{222, "222"};
 namespace detail {
 constexpr bool Spelled(Key key) {
   std::array<char, 4> digits{};
-  int n = 0;
+  std::size_t n = 0;
   for (int rest = key.code; rest > 0; rest /= 10) digits[n++] = static_cast<char>('0' + rest % 10);
-  if (static_cast<int>(key.text.size()) != n) return false;
-  for (int i = 0; i < n; ++i) {
+  if (key.text.size() != n) return false;
+  for (std::size_t i = 0; i < n; ++i) {
     if (key.text[i] != digits[n - 1 - i]) return false;
   }
   return true;

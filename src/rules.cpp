@@ -6,7 +6,8 @@
 namespace quorble {
 namespace {
 
-using Dice = std::array<int, kDice + 1>;
+using Dice = Indexed<int, kDice + 1>;
+using Faces = std::array<int, kDice + 1>;
 
 int Sum(const Dice& dice) { return dice[1] + dice[2] + dice[3] + dice[4] + dice[5]; }
 
@@ -32,8 +33,8 @@ bool FullHouse(const Dice& dice) {
   return true;
 }
 
-std::array<int, 8> FaceCounts(const Dice& dice) {
-  std::array<int, 8> cnt{};
+Indexed<int, 8> FaceCounts(const Dice& dice) {
+  Indexed<int, 8> cnt{};
   for (int i = 1; i <= kDice; ++i) ++cnt[dice[i]];
   return cnt;
 }
@@ -62,9 +63,11 @@ bool LargeStraight(const Dice& dice) {
 
 std::string nt(int n) { return n < 0 ? std::to_string(n) : " " + std::to_string(n); }
 
-bool FiveAlike(const Dice& dice) { return CountLike(dice, 1) == kDice; }
+// Callers outside the record hold plain arrays; the copy is six ints.
+bool FiveAlike(const Faces& faces) { return CountLike(Dice{faces}, 1) == kDice; }
 
-int RowValue(const Dice& dice, int row) {
+int RowValue(const Faces& faces, int row) {
+  const Dice dice{faces};
   if (row >= 1 && row <= 6) {
     int points = 0;
     for (int i = 1; i <= kDice; ++i) points += dice[i] == row ? row : 0;
@@ -87,9 +90,9 @@ void Form1::PickDye() {
   plat.Randomize(plat.Timer());
   for (int i = 1; i <= kDice; ++i) {
     if (dye[i] > 0) continue;
-    const float r = plat.Rnd();
+    const float draw = plat.Rnd();
     // The product in double precision can't round up to 6, so no die shows 7.
-    dye[i] = static_cast<int>(std::floor(static_cast<double>(r) * 6.0)) + 1;
+    dye[i] = static_cast<int>(std::floor(static_cast<double>(draw) * 6.0)) + 1;
     dyecopy[i] = dye[i];
   }
 }

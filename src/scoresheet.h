@@ -13,8 +13,6 @@ struct SheetSums {
   int total = 0;
 };
 
-using PlayerSheets = std::array<std::array<int, kSheets + 1>, kRows + 1>;
-
 inline SheetSums SumSheet(const PlayerSheets& cells, int s) {
   SheetSums sums;
   for (int row = 1; row <= 6; ++row) sums.top += cells[row][s];

@@ -163,7 +163,7 @@ TEST(Leaving, TailWithAndWithoutALauncher) {
     const auto at = [&](int i) { return run.lines[from + i].time; };
     EXPECT_NEAR(at(3) - at(2), 0.1, 1e-9);
     EXPECT_NEAR(at(4) - at(3), 0.1, 1e-9);
-    EXPECT_NEAR(at(5) - at(4), 0.06 * kSorry.size() + 0.2, 1e-9);
+    EXPECT_NEAR(at(5) - at(4), 0.06 * static_cast<double>(kSorry.size()) + 0.2, 1e-9);
   }
 }
 

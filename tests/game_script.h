@@ -60,8 +60,13 @@ struct SimRun {
     double time;
     std::string text;  // the whole line without its time
   };
+  // Lines are found by int positions, -1 for none, so they are indexed by
+  // int; a position off the transcript throws rather than reads past it.
+  struct Lines : std::vector<Line> {
+    const Line& operator[](int i) const { return at(static_cast<size_t>(i)); }
+  };
   int status = -1;
-  std::vector<Line> lines;
+  Lines lines;
   std::string stderrText;
 
   // The texts spoken, synchronous and queued alike, in order; with `first`,
@@ -218,7 +223,8 @@ inline const std::vector<std::string> kRowDice = {
 
 inline std::string FillSheet(int sheet = 1) {
   std::string keys;
-  for (int row = 1; row <= 13; ++row) keys += Turn(kRowDice[row - 1], row, sheet);
+  int row = 0;
+  for (const auto& dice : kRowDice) keys += Turn(dice, ++row, sheet);
   return keys;
 }
 
@@ -227,7 +233,8 @@ inline std::string FillSheet(int sheet = 1) {
 inline std::string TwoSheetRace() {
   std::vector<std::string> ann, bob;
   for (int s = 1; s <= 2; ++s) {
-    for (int row = 1; row <= 13; ++row) bob.push_back(Turn(kRowDice[row - 1], row, s));
+    int row = 0;
+    for (const auto& dice : kRowDice) bob.push_back(Turn(dice, ++row, s));
   }
   ann = bob;
   ann.insert(ann.begin() + 13, 2, Turn("6 6 6 6 6", 14));
@@ -286,7 +293,7 @@ inline std::vector<std::string> Expand(const std::string& items) {
     if (item.starts_with("DICE")) {
       out.push_back(time + "speak async \" dice \"");
       const std::string letters = seconds < 0 ? "" : TimeMark(seconds + 0.2);
-      for (int i = 0; i < 5; ++i) {
+      for (size_t i = 0; i < 5; ++i) {
         out.push_back(letters + "speak async \" " + static_cast<char>('A' + i) + ". equals \"");
         const char face = item[5 + 2 * i];
         if (face != '-') out.push_back(letters + "speak async \" " + face + "\"");
@@ -307,7 +314,7 @@ inline ::testing::AssertionResult HeardFrom(const SimRun& run, int from, const s
   const auto want = Expand(items);
   const bool timed = items.starts_with("+");
   std::vector<std::string> got;
-  for (size_t i = from; i < run.lines.size() && got.size() < want.size(); ++i) {
+  for (int i = from; i < static_cast<int>(run.lines.size()) && got.size() < want.size(); ++i) {
     const std::string& text = run.lines[i].text;
     if (text.starts_with("key") || text == "beep" || text == "sound stop" ||
         text.starts_with("sound open") || (text.starts_with("speak") && text != "speak purge")) {

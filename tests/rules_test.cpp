@@ -13,7 +13,7 @@ namespace {
 
 struct Hand {
   std::array<int, 5> faces;
-  std::array<int, 14> values;  // rows 1 to 14
+  Indexed<int, 14> values;  // rows 1 to 14
 };
 
 const Hand kHands[] = {
@@ -57,7 +57,7 @@ TEST(Rng, AMillionFacesAreFair) {
     const float r = rng.Next();
     ASSERT_GE(r, 0.0f);
     ASSERT_LT(r, 1.0f) << "a face of 7";
-    ++counts[static_cast<int>(r * 6.0)];
+    ++counts[static_cast<size_t>(r * 6.0)];
   }
   double chiSquare = 0;
   const double expected = kDraws / 6.0;

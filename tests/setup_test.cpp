@@ -165,7 +165,7 @@ TEST(SetUp, GameChoiceMovesWrapsAndFallsBack) {
     SimWorld world;
     const SimRun run = world.Run(std::string("key n n ") + c.keys + "\nkey 1 y enter enter y s\n");
     Texts heard = run.Spoken(kSelect);
-    heard.resize(std::find(heard.begin(), heard.end(), kPress) - heard.begin());
+    heard.erase(std::find(heard.begin(), heard.end(), kPress), heard.end());
     EXPECT_EQ(heard, c.heard) << c.keys << "\n" << run.Dump();
     EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.sav").substr(0, 15),
               std::string(" 1 \r\n 1 \r\n") + c.variant + "\r\n")

@@ -45,7 +45,8 @@ WavFacts ReadWavFacts(const std::string& path) {
       facts.rate = static_cast<int>(ReadLittleEndian(*bytes, at + 12, 4));
       facts.blockAlign = std::max(1, static_cast<int>(ReadLittleEndian(*bytes, at + 20, 2)));
     } else if (id == "data") {
-      facts.dataBytes = std::min<std::int64_t>(size, bytes->size() - at - 8);
+      facts.dataBytes =
+          static_cast<std::int64_t>(std::min<std::size_t>(size, bytes->size() - at - 8));
       return facts;
     }
     at += 8 + size + (size & 1);
@@ -175,7 +176,8 @@ void SimPlatform::Record(const std::string& event) {
 
 std::string SimPlatform::Quote(const std::string& text) {
   std::string quoted = "\"";
-  for (unsigned char c : text) {
+  for (const char ch : text) {
+    const auto c = static_cast<unsigned char>(ch);
     if (c == '"' || c == '\\') {
       quoted += '\\';
       quoted += static_cast<char>(c);
