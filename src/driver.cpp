@@ -30,6 +30,33 @@ Exit Form1::run() {
 
 // Nothing when the game goes on to its turns; else the way out.
 std::optional<Exit> Form1::startUp() {
+  if (!openSoundAndVoice()) return Exit::NoVoices;
+  getdp();
+  // Before any file is touched: a second copy must leave the first's alone.
+  if (!plat.LockDataFolder(dp)) return Exit::AlreadyRunning;
+  cotext();
+  nv = 0;
+  vr = 0;
+  readConfig(plat.CurrentDirectory() + "/" + file_names::kConfig);
+  readConfig(join(file_names::kConfig));
+  Voice->SetVoice(nv);
+  Voice->SetRate(vr);
+  Voice->SetVolume(95);
+  GetTits();
+  greet();
+  fpath = join(file_names::kSave);
+  if (!present(fpath)) {
+    newGame();
+  } else {
+    say(" getting saved game ");
+    if (!readSave()) newGame();
+  }
+  if (companionMode != Companion::Off) loadCompanion();
+  return std::nullopt;
+}
+
+// The filler plays while the voices load; false when there are none.
+bool Form1::openSoundAndVoice() {
   plat.Show(" Quorble  By Tavi Orlund ");
   fq = 11026;
   dx8 = plat.NewDirectX8();
@@ -43,21 +70,14 @@ std::optional<Exit> Form1::startUp() {
   nov = Voice->VoiceCount();
   if (nov == 0) {
     plat.MessageBox("Sorry but I couldn't find any voices to use\rPlease contact Tavi Orlund");
-    return Exit::NoVoices;
+    return false;
   }
   nov = nov - 1;
-  getdp();
-  // Before any file is touched: a second copy must leave the first's alone.
-  if (!plat.LockDataFolder(dp)) return Exit::AlreadyRunning;
-  cotext();
-  nv = 0;
-  vr = 0;
-  readConfig(plat.CurrentDirectory() + "/" + file_names::kConfig);
-  readConfig(join(file_names::kConfig));
-  Voice->SetVoice(nv);
-  Voice->SetRate(vr);
-  Voice->SetVolume(95);
-  GetTits();
+  return true;
+}
+
+// The sounds and words of the greeting, and the two offers of instructions.
+void Form1::greet() {
   Voice->Speak("", SVSFDefault);
   dy(0.5);
   sbuf->Stop();
@@ -72,15 +92,6 @@ std::optional<Exit> Form1::startUp() {
   askins();
   dy(0.2);
   askspekey();
-  fpath = join(file_names::kSave);
-  if (!present(fpath)) {
-    newGame();
-  } else {
-    say(" getting saved game ");
-    if (!readSave()) newGame();
-  }
-  if (companionMode != Companion::Off) loadCompanion();
-  return std::nullopt;
 }
 
 Exit Form1::turnLoop() {

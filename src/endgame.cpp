@@ -66,28 +66,7 @@ bool Form1::finalReading() {
     pup = p;
     setvoice();
     for (int s = 1; s <= g2p; ++s) {
-      const SheetSums sums = SumSheet(sheet[p], s);
-      msg = " " + names[p] + " player number " + nt(p);
-      if (keyTest()) return false;
-      say2(msg);
-      dy(0.2);
-      msg = " top score ";
-      if (g2p >= 2) msg += " sheet " + nt(s);
-      for (const std::string& line :
-           {msg, " " + nt(sums.top) + " points ", " bonus " + nt(sums.bonus) + " points ",
-            std::string(" bottom score "), nt(sums.bottom)}) {
-        if (keyTest()) return false;
-        say2(line);
-      }
-      dy(0.3);
-      if (g2p != 1) {
-        for (const std::string& line :
-             {" total score sheet " + nt(s), nt(sums.total) + " points "}) {
-          if (keyTest()) return false;
-          say2(line);
-        }
-        dy(0.2);
-      }
+      if (!readSheet(p, s)) return false;
     }
     for (const std::string& line : {std::string(" final score "), nt(tot[p]) + " points "}) {
       if (keyTest()) return false;
@@ -96,6 +75,31 @@ bool Form1::finalReading() {
     dy(0.3);
     speechWait();
   }
+  return true;
+}
+
+// One sheet of player p's; false when a key cut it short.
+bool Form1::readSheet(int p, int s) {
+  const SheetSums sums = SumSheet(sheet[p], s);
+  msg = " " + names[p] + " player number " + nt(p);
+  if (keyTest()) return false;
+  say2(msg);
+  dy(0.2);
+  msg = " top score ";
+  if (g2p >= 2) msg += " sheet " + nt(s);
+  for (const std::string& line :
+       {msg, " " + nt(sums.top) + " points ", " bonus " + nt(sums.bonus) + " points ",
+        std::string(" bottom score "), nt(sums.bottom)}) {
+    if (keyTest()) return false;
+    say2(line);
+  }
+  dy(0.3);
+  if (g2p == 1) return true;
+  for (const std::string& line : {" total score sheet " + nt(s), nt(sums.total) + " points "}) {
+    if (keyTest()) return false;
+    say2(line);
+  }
+  dy(0.2);
   return true;
 }
 

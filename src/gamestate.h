@@ -199,9 +199,18 @@ class Form1 : public GameState, private WindowEvents {
   void playFile(const std::string& name, int position, bool keyEnds);
   void openFiller();
 
+  // The dice screen's pieces.
+  bool pickDice();
+  void sayDie(int die);
+  void markDie(int die);
+  bool keepDice();
+  void diceHelp();
+
   // Blocks of Form_Load.
   Exit run();
   std::optional<Exit> startUp();
+  bool openSoundAndVoice();
+  void greet();
   void newGame();
   void nameLoop();
   Exit turnLoop();
@@ -226,6 +235,7 @@ class Form1 : public GameState, private WindowEvents {
   void releaseSound();
   Exit gameOver();
   bool finalReading();
+  bool readSheet(int p, int s);
   bool winnerPart();
   void boardReview();
   bool keyTest();

@@ -16,10 +16,7 @@ void Form1::SayAllDye() {
   clk();
   say2(" dice ");
   dy(0.2);
-  for (int i = 1; i <= kDice; ++i) {
-    say2(LetterPhrase(i));
-    if (dye[i] > 0) say2(nt(dye[i]));
-  }
+  for (int i = 1; i <= kDice; ++i) sayDie(i);
   if (fnf == 1 || dye[1] < 1 || !FiveAlike(dye)) return;
   // The fanfare waits for the last value to be heard.
   say(" ");
@@ -28,74 +25,93 @@ void Form1::SayAllDye() {
 }
 
 void Form1::seldice() {
-  for (;;) {  // the head
+  do {  // the head
     kd = 0;
     clk();
     say2(" Select Dice ");
-    int cursor = 1;
-    bool speakDie = true;
-    for (;;) {
-      if (speakDie) {
-        say2(LetterPhrase(cursor));
-        if (dye[cursor] >= 1) say2(nt(dye[cursor]));
-      }
-      speakDie = true;
-      getkey(Spot::Dice);
-      if (g == keys::kEnter || g == keys::kSpace) {
-        dye[cursor] = -1;
-        dy3(0.2);
-        play2(6);
-        dy3(0.2);
-        continue;
-      }
-      if (g == keys::kEsc) return;
-      if (g == keys::kUp || g == keys::kDown) {
-        cursor = g == keys::kUp ? (cursor == 1 ? 5 : cursor - 1) : (cursor == 5 ? 1 : cursor + 1);
-        continue;
-      }
-      saykey();
-      if (g2.size() == 1 && g2[0] >= 'a' && g2[0] <= 'e') {
-        cursor = g2[0] - 'a' + 1;
-        continue;
-      }
-      if (g2 == "m") {
-        rebord();
-        if (g == keys::kEsc) return;
-        break;
-      }
-      if (g2 == "k") {
-        bool marked = false;
-        for (int i = 1; i <= kDice; ++i) marked = marked || dye[i] < 1;
-        if (!marked) {
-          kd = 1;
-          return;
-        }
-        say(" you can not keep your dice until you roll them. ");
-        clk();
-        continue;
-      }
-      if (g2 == "r") return;
-      if (g2 == "s") {
-        SayAllDye();
-        speakDie = false;
-        continue;
-      }
-      if (g2 == "u") {
-        for (int i = 1; i <= kDice; ++i) dye[i] = dyecopy[i];
-        break;
-      }
-      say2(
-          " Use the arrow keys or press the letter of the die "
-          " you wish to reroll. "
-          " Then press enter or space bar to select that die. ");
-      say2(
-          " Press the R key to roll the die after selecting all of them that you wish to reroll. ");
-      say2(" press the s key to respeak all dice. ");
-      say2(" press the K key to keep die as they are ");
-      say2(" Press the M key to switch mode to review the score board. ");
-      say2(" press the U key to unselect all of the die. ");
+  } while (pickDice());
+}
+
+// The dice screen from its head; true when it starts over there.
+bool Form1::pickDice() {
+  int cursor = 1;
+  bool speakDie = true;
+  for (;;) {
+    if (speakDie) sayDie(cursor);
+    speakDie = true;
+    getkey(Spot::Dice);
+    if (g == keys::kEnter || g == keys::kSpace) {
+      markDie(cursor);
+      continue;
     }
+    if (g == keys::kEsc) return false;
+    if (g == keys::kUp || g == keys::kDown) {
+      cursor = g == keys::kUp ? (cursor == 1 ? 5 : cursor - 1) : (cursor == 5 ? 1 : cursor + 1);
+      continue;
+    }
+    saykey();
+    if (g2.size() == 1 && g2[0] >= 'a' && g2[0] <= 'e') {
+      cursor = g2[0] - 'a' + 1;
+      continue;
+    }
+    if (g2 == "m") {
+      rebord();
+      return g != keys::kEsc;
+    }
+    if (g2 == "k") {
+      if (keepDice()) return false;
+      continue;
+    }
+    if (g2 == "r") return false;
+    if (g2 == "s") {
+      SayAllDye();
+      speakDie = false;
+      continue;
+    }
+    if (g2 == "u") {
+      dye = dyecopy;
+      return true;
+    }
+    diceHelp();
   }
+}
+
+// A die's letter, and its face once it has one.
+void Form1::sayDie(int die) {
+  say2(LetterPhrase(die));
+  if (dye[die] > 0) say2(nt(dye[die]));
+}
+
+void Form1::markDie(int die) {
+  dye[die] = -1;
+  dy3(0.2);
+  play2(6);
+  dy3(0.2);
+}
+
+// K keeps the dice only once all of them have been rolled.
+bool Form1::keepDice() {
+  bool marked = false;
+  for (int i = 1; i <= kDice; ++i) marked = marked || dye[i] < 1;
+  if (!marked) {
+    kd = 1;
+    return true;
+  }
+  say(" you can not keep your dice until you roll them. ");
+  clk();
+  return false;
+}
+
+void Form1::diceHelp() {
+  say2(
+      " Use the arrow keys or press the letter of the die "
+      " you wish to reroll. "
+      " Then press enter or space bar to select that die. ");
+  say2(" Press the R key to roll the die after selecting all of them that you wish to reroll. ");
+  say2(" press the s key to respeak all dice. ");
+  say2(" press the K key to keep die as they are ");
+  say2(" Press the M key to switch mode to review the score board. ");
+  say2(" press the U key to unselect all of the die. ");
 }
 
 void Form1::sheetPhrase() {
