@@ -190,6 +190,15 @@ TEST(Config, ReadFromBothFoldersTheDataFolderLast) {
   }
 }
 
+// A data folder already there under another case is the one used.
+TEST(Config, DataFolderFoundWhateverItsCase) {
+  SimWorld world;
+  SimWorld::Write(world.Data().parent_path() / "BrindleSoft" / "quorble.cfg", " 1 \r\n 4 \r\n");
+  const SimRun run = world.Run("");
+  EXPECT_EQ(run.Between("voice use", "voice volume"), "voice use 1 | voice rate 4");
+  EXPECT_FALSE(fs::exists(world.Data()));
+}
+
 // Player 1's voice and rate go from run to run; changes of the turn that is
 // left, and the file in the current folder, don't.
 TEST(Config, NextRunGreetsInPlayerOnesVoiceAndRate) {

@@ -84,6 +84,7 @@ TEST(Files, TwoSheetGamePassesOverTheFinishedAndLogsEachSheet) {
   expected.insert(expected.end(), 2, ann);
   EXPECT_EQ(intros, expected);
   EXPECT_EQ(Count(run, R"(" on sheet  2")"), 26);
+  EXPECT_EQ(Count(run, R"(" sheet  2 ")"), 26) << "the board names the sheet";
   EXPECT_EQ(Count(run, R"(" Score  100 points ")"), 2);
   EXPECT_NE(run.Find(R"(" Ann! with  812 points")", over), -1) << "306 twice, and 200 on row 14";
 
@@ -173,6 +174,7 @@ TEST(Files, SavedGamesThatCannotBeTrustedAreSetAside) {
       {"six ones from five dice", with(8, " 6 "), true},
       {"twos of 3", with(9, " 3 "), true},
       {"full house of 20", with(16, " 20 "), true},
+      {"chance of 0", with(19, " 0 "), true},
       {"extra row of 150", with(21, " 150 "), true},
       {"below empty", with(10, "-2 "), true},
       {"no number", with(11, "abc"), true},

@@ -156,7 +156,6 @@ TEST(SetUp, GameChoiceMovesWrapsAndFallsBack) {
   } cases[] = {
       {"up enter", {kSelect, kK, kT}, " 3 "},
       {"down down down enter", {kSelect, kK, kD, kT, kK}, " 1 "},
-      {"t up enter", {kSelect, kK, "t", kT, kD}, " 2 "},
       {"t y enter", {kSelect, kK, "t", kT, "y", kK}, " 1 "},
       {"d x enter", {kSelect, kK, "d", kD, "x", kSelect, kK}, " 1 "},
       {"d f1 up enter", {kSelect, kK, "d", kD, kSelect, kK, kT}, " 3 "},

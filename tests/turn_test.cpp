@@ -58,7 +58,7 @@ TEST(Turn, KeyEndsTheClickAndTheDelayBehindIt) {
 
 TEST(Turn, PromptAndDiceScreenKeys) {
   SimWorld world;
-  const SimRun run = world.Run(kAnn + "key x f1\ndice 1 2 3 4 5\nkey r c enter k x s u k\n");
+  const SimRun run = world.Run(kAnn + "key x f1\ndice 1 2 3 4 5\nkey r c enter k x s u up k\n");
   ASSERT_EQ(run.status, 3) << run.Dump();
   const std::string help =
       R"(" Press M to switch mode from dice to score board and back. " | " S to save game. " | )"
@@ -78,9 +78,11 @@ TEST(Turn, PromptAndDiceScreenKeys) {
       R"(to review the score board. " | " press the U key to unselect all of the die. " | " C. equals ")"));
   EXPECT_TRUE(
       HeardFrom(run, run.Find("key 83", keep), R"(key 83 | "s" | DICE 1 2 - 4 5 | key 85)"));
-  EXPECT_TRUE(HeardFrom(run, run.Find("key 85", keep),
-                        R"(key 85 | "u" | " Select Dice " | " A. equals " | " 1" | key 75 | "k" | )"
-                        R"(DICE 1 2 3 4 5 | " score ")"));
+  EXPECT_TRUE(HeardFrom(
+      run, run.Find("key 85", keep),
+      R"(key 85 | "u" | " Select Dice " | " A. equals " | " 1" | key 38 | " E. equals " | )"
+      R"(" 5" | key 75 | "k" | )"
+      R"(DICE 1 2 3 4 5 | " score ")"));
 }
 
 TEST(Turn, FanfareExtraRowAndRefusals) {
@@ -129,12 +131,22 @@ TEST(Turn, FanfareExtraRowAndRefusals) {
                 R"(" extra kwor-bul " | " 200points " | key 27 | " Press R, to roll the dice ")"));
 }
 
+// A quorble scored as 0 earns no extra one.
+TEST(Turn, NoExtraRowAfterAQuorbleOfNothing) {
+  SimWorld world;
+  SimWorld::Write(world.Data() / "quorble.sav",
+                  SaveText(1, 1, {{"Ann", 0, 0, 0, ExampleCells(0)}}));
+  const SimRun run = world.Run("key n n\n" + Turn("6 6 6 6 6", 14));
+  EXPECT_NE(run.Find("without first having a quorble"), -1) << run.Dump();
+}
+
 TEST(Turn, EscapeAtEachStageComesBackWhereItWasAsked) {
   SimWorld world;
   const SimRun run =
       world.Run(kAnn + "key esc up up enter\ndice 1 2 3 4 5\nkey r b enter esc enter r\n" +
                 "dice 6\nkey m esc x n k down esc enter esc y\n");
   ASSERT_EQ(run.status, 0) << run.Dump();
+  EXPECT_NE(run.Find("sound open quorble1.wav"), -1) << "one die rolled has its sound too";
   const std::string leave = R"(" Do you wish to exit the game without saving it? " | " No ")";
   EXPECT_TRUE(HeardFrom(run, run.Find("key 27"),
                         "key 27 | " + leave +
