@@ -202,7 +202,7 @@ class Form1 : public GameState, private WindowEvents {
   // The dice screen's pieces.
   bool pickDice();
   void sayDie(int die);
-  void markDie(int die);
+  bool pickOrMove(int& cursor);
   bool keepDice();
   void diceHelp();
 

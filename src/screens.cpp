@@ -40,15 +40,8 @@ bool Form1::pickDice() {
     if (speakDie) sayDie(cursor);
     speakDie = true;
     getkey(Spot::Dice);
-    if (g == keys::kEnter || g == keys::kSpace) {
-      markDie(cursor);
-      continue;
-    }
     if (g == keys::kEsc) return false;
-    if (g == keys::kUp || g == keys::kDown) {
-      cursor = g == keys::kUp ? (cursor == 1 ? 5 : cursor - 1) : (cursor == 5 ? 1 : cursor + 1);
-      continue;
-    }
+    if (pickOrMove(cursor)) continue;
     saykey();
     if (g2.size() == 1 && g2[0] >= 'a' && g2[0] <= 'e') {
       cursor = g2[0] - 'a' + 1;
@@ -82,11 +75,19 @@ void Form1::sayDie(int die) {
   if (dye[die] > 0) say2(nt(dye[die]));
 }
 
-void Form1::markDie(int die) {
-  dye[die] = -1;
-  dy3(0.2);
-  play2(6);
-  dy3(0.2);
+// Enter or Space picks the die under the cursor and the arrows move it:
+// true for these keys, which are not echoed.
+bool Form1::pickOrMove(int& cursor) {
+  if (g == keys::kEnter || g == keys::kSpace) {
+    dye[cursor] = -1;
+    dy3(0.2);
+    play2(6);
+    dy3(0.2);
+    return true;
+  }
+  if (g != keys::kUp && g != keys::kDown) return false;
+  cursor = g == keys::kUp ? (cursor == 1 ? 5 : cursor - 1) : (cursor == 5 ? 1 : cursor + 1);
+  return true;
 }
 
 // K keeps the dice only once all of them have been rolled.

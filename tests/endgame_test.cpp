@@ -65,6 +65,7 @@ TEST(EndOfGame, KeyCutsTheReadingWhereItComes) {
   const int menu = run.Find(kMenu, key);
   EXPECT_EQ(run.lines[run.Find("voice use", key)].text, "voice use 1");
   EXPECT_LT(run.Find("voice use", key), menu);
+  EXPECT_LT(run.Find("speak purge", key), menu) << "what was queued is cut";
   EXPECT_GT(run.Find("Bob player number", run.Find("game scores")), menu)
       << "none of his lines yet";
   EXPECT_NE(run.Find(R"(" Ann! with  306 points")", menu), -1);
