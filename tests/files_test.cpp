@@ -88,6 +88,7 @@ TEST(Files, TwoSheetGamePassesOverTheFinishedAndLogsEachSheet) {
   EXPECT_EQ(Count(run, R"(" Score  100 points ")"), 2);
   EXPECT_NE(run.Find(R"(" Ann! with  812 points")", over), -1) << "306 twice, and 200 on row 14";
   EXPECT_NE(run.Find(R"(" top score  sheet  2")", over), -1);
+  EXPECT_NE(run.Find(R"(" total score sheet  2")", over), -1);
 
   const size_t rows = kLogExample.find(" ones"), end = kLogExample.find(" \r\n \r\n") + 3;
   const std::string plain = kLogExample.substr(rows, end - rows);
