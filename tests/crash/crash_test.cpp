@@ -217,7 +217,7 @@ TEST(Crash, KilledAtRandomMomentsLosesNothing) {
   std::uniform_int_distribution<int> micros(100, 6000);  // a run takes about 5 ms
   const auto scenarios = Scenarios();
   int killed = 0;
-  for (int round = 0; round < 20; ++round) {
+  for (size_t round = 0; round < 20; ++round) {
     const Scenario& scenario = scenarios[round % scenarios.size()];
     const Reference reference = Undisturbed(scenario);
     const double delay = micros(random) / 1e6;

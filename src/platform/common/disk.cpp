@@ -121,8 +121,9 @@ std::string FindName(const std::string& path, bool directories) {
   for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
     const std::string found = it->path().filename().string();
     if (Lower(found) != wanted) continue;
-    std::error_code kind_ec;
-    if (it->is_regular_file(kind_ec) || (directories && it->is_directory(kind_ec))) return found;
+    std::error_code kindError;
+    if (it->is_regular_file(kindError) || (directories && it->is_directory(kindError)))
+      return found;
   }
   return {};
 }
