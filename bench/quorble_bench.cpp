@@ -220,7 +220,9 @@ void Dropouts(DesktopPlatform& platform, quorble::SpeechVoice& voice, Listener& 
 double CpuSeconds() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
-  const auto seconds = [](const timeval& t) { return t.tv_sec + t.tv_usec / 1e6; };
+  const auto seconds = [](const timeval& t) {
+    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) / 1e6;
+  };
   return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
@@ -293,7 +295,7 @@ void PeakMemory(quorble::SpeechVoice& voice, const std::string& instructions) {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   std::printf("peak memory (ru_maxrss) with the instructions read: %.1f MiB\n",
-              usage.ru_maxrss / 1024.0);
+              static_cast<double>(usage.ru_maxrss) / 1024.0);
 }
 
 int Run(const std::string& samples, const std::string& instructions, long serverPid) {

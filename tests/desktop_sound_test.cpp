@@ -25,7 +25,7 @@ constexpr int kPeriodFrames = 512;
 // A constant signal of `seconds` at half scale, in the given file format.
 std::shared_ptr<SampleVoice> MakeVoice(double seconds, int rate = 22050,
                                        SDL_AudioFormat format = AUDIO_S16SYS, int channels = 1) {
-  const size_t samples = static_cast<size_t>(seconds * rate) * channels;
+  const size_t samples = static_cast<size_t>(seconds * rate) * static_cast<size_t>(channels);
   std::vector<Uint8> bytes(samples, 0xC0);
   if (format != AUDIO_U8) {
     const std::vector<Sint16> values(samples, 16384);
@@ -54,7 +54,7 @@ Mixed MixOut(SampleVoice& voice, int limitFrames) {
     std::fill(period.begin(), period.end(), 0.0f);
     mixed.ranOut = voice.MixInto(period.data(), kPeriodFrames);
     mixed.framesMixed += kPeriodFrames;
-    for (int frame = 0; frame < kPeriodFrames; ++frame) {
+    for (size_t frame = 0; frame < kPeriodFrames; ++frame) {
       const bool left = std::fabs(period[2 * frame]) > 0.01f;
       const bool right = std::fabs(period[2 * frame + 1]) > 0.01f;
       mixed.leftHeard += left;
@@ -134,7 +134,8 @@ TEST(SampleVoiceTest, ResamplesOffItsOwnRateWithErrorNinetyDecibelsDown) {
   constexpr double kHz = 1000.0, kLevel = 0.5;
   std::vector<float> tone(kFileRate);
   for (size_t i = 0; i < tone.size(); ++i)
-    tone[i] = static_cast<float>(kLevel * std::sin(2 * std::numbers::pi * kHz * i / kFileRate));
+    tone[i] = static_cast<float>(
+        kLevel * std::sin(2 * std::numbers::pi * kHz * static_cast<double>(i) / kFileRate));
   const auto* raw = reinterpret_cast<const Uint8*>(tone.data());
   SDL_AudioSpec format{};
   format.freq = kFileRate;
@@ -147,7 +148,8 @@ TEST(SampleVoiceTest, ResamplesOffItsOwnRateWithErrorNinetyDecibelsDown) {
   double signal = 0, error = 0;
   // The filter's edges are left out: a sample starts and ends in silence.
   for (size_t i = 2000; i + 2000 < out.size(); ++i) {
-    const double expected = kLevel * std::sin(2 * std::numbers::pi * heardHz * i / kMixRate);
+    const double expected =
+        kLevel * std::sin(2 * std::numbers::pi * heardHz * static_cast<double>(i) / kMixRate);
     signal += expected * expected;
     error += (out[i] - expected) * (out[i] - expected);
   }
@@ -163,7 +165,7 @@ TEST(SampleVoiceTest, ALoopFadesInAndOutWithoutAJump) {
   voice->MixInto(mix.data(), kPeriodFrames);
   EXPECT_LT(std::fabs(mix[0]), 0.01f) << "starts from silence";
   float largestStep = 0;
-  for (int frame = 1; frame < kPeriodFrames; ++frame)
+  for (size_t frame = 1; frame < kPeriodFrames; ++frame)
     largestStep = std::max(largestStep, std::fabs(mix[2 * frame] - mix[2 * frame - 2]));
   EXPECT_LT(largestStep, 0.01f);
   const float before = mix[2 * kPeriodFrames - 2];
@@ -221,7 +223,7 @@ TEST(MixerTest, DeliversLongSpeechWithoutAGapWhenFedAtItsOwnPace) {
     letSpeechAhead(mixed);
     mostAhead = std::max(mostAhead, chunksPushed * kChunk * 2 - mixed);
     mixer.MixPeriod(period.data(), kPeriodFrames);
-    for (int frame = 0; frame < kPeriodFrames; ++frame) {
+    for (size_t frame = 0; frame < kPeriodFrames; ++frame) {
       const bool sound = std::fabs(period[2 * frame]) > 0.01f;
       if (sound) ++heard;
       // Counted when sound comes again: the end of all speech is no gap.

@@ -105,7 +105,8 @@ VoicePrint Measure(const VoiceChoice& voice, int rate) {
   double centroid = 0, weight = 0;
   for (size_t at = 0; at + kFrame < g_pcm.size(); at += kFrame / 2) {
     double energy = 0;
-    for (int i = 0; i < kFrame; ++i) energy += static_cast<double>(g_pcm[at + i]) * g_pcm[at + i];
+    for (size_t i = 0; i < kFrame; ++i)
+      energy += static_cast<double>(g_pcm[at + i]) * g_pcm[at + i];
     if (energy / kFrame < 300.0 * 300.0) continue;  // pauses and faint consonants
     if (const double pitch = FramePitch(&g_pcm[at], kFrame, rate); pitch > 0)
       pitches.push_back(pitch);

@@ -50,7 +50,7 @@ TEST(Samples, HeadersAreCanonicalPcm16BitMono22050) {
     SCOPED_TRACE(index);
     const auto bytes = ReadBytes(index);
     ASSERT_GT(bytes.size(), kHeaderBytes);
-    const auto tag = [&](size_t at) {
+    const auto tag = [&](std::ptrdiff_t at) {
       return std::string(bytes.begin() + at, bytes.begin() + at + 4);
     };
     EXPECT_EQ(tag(0) + tag(8) + tag(12) + tag(36), "RIFFWAVEfmt data");
@@ -77,14 +77,16 @@ TEST(Samples, LengthsLevelsAndEdges) {
     SCOPED_TRACE(index);
     const auto samples = Samples(index);
     ASSERT_GT(samples.size(), 8u);
-    EXPECT_GE(samples.size() / 22050.0, kSeconds[index].first);
-    EXPECT_LE(samples.size() / 22050.0, kSeconds[index].second);
+    const double seconds = static_cast<double>(samples.size()) / 22050.0;
+    EXPECT_GE(seconds, kSeconds[index].first);
+    EXPECT_LE(seconds, kSeconds[index].second);
     const double peakDbfs = 20.0 * std::log10(PeakOf(samples.begin(), samples.end()) / kFullScale);
     EXPECT_GE(peakDbfs, -20.0);
     EXPECT_LE(peakDbfs, -0.9);
     double sum = 0.0;
     for (int16_t sample : samples) sum += sample;
-    EXPECT_LT(std::abs(sum / samples.size()), 0.003 * kFullScale) << "DC offset";
+    EXPECT_LT(std::abs(sum / static_cast<double>(samples.size())), 0.003 * kFullScale)
+        << "DC offset";
     for (size_t i = 0; i < 3 && index != 7; ++i) {
       EXPECT_LT(std::abs(samples[i]), 0.01 * kFullScale) << "sample " << i;
       EXPECT_LT(std::abs(samples[samples.size() - 1 - i]), 0.01 * kFullScale) << "from end " << i;
@@ -104,7 +106,7 @@ TEST(DiceSamples, NoSilenceInsideAThrow) {
     int quietRun = 0, longestQuiet = 0;
     for (size_t at = 0; at + kWindow < samples.size(); at += kWindow) {
       double sum = 0;
-      for (int i = 0; i < kWindow; ++i)
+      for (size_t i = 0; i < kWindow; ++i)
         sum += static_cast<double>(samples[at + i]) * samples[at + i];
       const bool quiet = std::sqrt(sum / kWindow) < 0.001 * kFullScale;  // -60 dBFS
       if (!quiet) longestQuiet = std::max(longestQuiet, quietRun);

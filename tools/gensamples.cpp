@@ -29,7 +29,15 @@ constexpr double kTwoPi = 2.0 * std::numbers::pi;
 constexpr int kTailOffsetBytes = quorble::file_names::kSettlingTailOffset;
 constexpr int kTailStartSample = kTailOffsetBytes / 2;
 
-using Signal = std::vector<double>;
+// Positions in a signal are counted in int, as SamplesFor gives them; the one
+// conversion to the vector's index is here, at its edge.
+struct Signal : std::vector<double> {
+  Signal(int length, double value) : std::vector<double>(static_cast<size_t>(length), value) {}
+  double& operator[](int i) { return std::vector<double>::operator[](static_cast<size_t>(i)); }
+  const double& operator[](int i) const {
+    return std::vector<double>::operator[](static_cast<size_t>(i));
+  }
+};
 
 int SamplesFor(double seconds) { return static_cast<int>(std::lround(seconds * kSampleRate)); }
 
@@ -56,8 +64,8 @@ class Rng {
 // Constant-peak band-pass biquad: shapes white noise into the short "tk" of a hard knock.
 class BandPass {
  public:
-  BandPass(double centre_hz, double q) {
-    const double w = kTwoPi * centre_hz / kSampleRate;
+  BandPass(double centreHz, double q) {
+    const double w = kTwoPi * centreHz / kSampleRate;
     const double alpha = std::sin(w) / (2.0 * q);
     const double a0 = 1.0 + alpha;
     b0_ = alpha / a0;
@@ -86,22 +94,22 @@ double SmoothStep(double progress) {
 
 // Starts at sine phase zero and runs until it is far below one LSB, so it neither begins nor
 // ends with a jump of its own.
-void AddDampedSine(Signal& out, int start, double freq_hz, double amplitude, double decay_s) {
-  const int length = SamplesFor(decay_s * 9.0);
+void AddDampedSine(Signal& out, int start, double freqHz, double amplitude, double decaySeconds) {
+  const int length = SamplesFor(decaySeconds * 9.0);
   for (int i = 0; i < length && start + i < static_cast<int>(out.size()); ++i) {
     const double t = static_cast<double>(i) / kSampleRate;
-    out[start + i] += amplitude * std::sin(kTwoPi * freq_hz * t) * std::exp(-t / decay_s);
+    out[start + i] += amplitude * std::sin(kTwoPi * freqHz * t) * std::exp(-t / decaySeconds);
   }
 }
 
-void ApplyFades(Signal& signal, double fade_in_s, double fade_out_s) {
+void ApplyFades(Signal& signal, double fadeInSeconds, double fadeOutSeconds) {
   const int size = static_cast<int>(signal.size());
-  const int fade_in = std::max(1, SamplesFor(fade_in_s));
-  const int fade_out = std::max(1, SamplesFor(fade_out_s));
+  const int fadeIn = std::max(1, SamplesFor(fadeInSeconds));
+  const int fadeOut = std::max(1, SamplesFor(fadeOutSeconds));
   for (int i = 0; i < size; ++i) {
-    const double in_gain = SmoothStep(static_cast<double>(i) / fade_in);
-    const double out_gain = SmoothStep(static_cast<double>(size - 1 - i) / fade_out);
-    signal[i] *= in_gain * out_gain;
+    const double inGain = SmoothStep(static_cast<double>(i) / fadeIn);
+    const double outGain = SmoothStep(static_cast<double>(size - 1 - i) / fadeOut);
+    signal[i] *= inGain * outGain;
   }
 }
 
@@ -142,8 +150,8 @@ void NormalizeLoudness(Signal& signal) {
 // Each die keeps its own resonances through all its bounces, which is what lets the ear follow
 // several dice at once.
 struct DieVoice {
-  std::array<double, 3> mode_hz;
-  double knock_hz;
+  std::array<double, 3> modeHz;
+  double knockHz;
 };
 
 DieVoice MakeDieVoice(Rng& rng) {
@@ -167,13 +175,13 @@ double SignedRange(Rng& rng, double low, double high) {
 // touches barely move the table).
 void AddClack(Signal& out, int start, const DieVoice& voice, double strength, double thump,
               Rng& rng) {
-  BandPass knock(voice.knock_hz, 0.9);
+  BandPass knock(voice.knockHz, 0.9);
   const int burst = SamplesFor(0.005);
   for (int i = 0; i < burst && start + i < static_cast<int>(out.size()); ++i) {
     const double envelope = std::exp(-static_cast<double>(i) / SamplesFor(0.0008));
     out[start + i] += 0.9 * strength * envelope * knock.Process(rng.Range(-1, 1));
   }
-  for (double mode : voice.mode_hz) {
+  for (double mode : voice.modeHz) {
     // Which face or edge lands changes the balance of modes from one bounce to the next; each
     // mode rings for about 18 of its own cycles, so the higher ones die away first.
     AddDampedSine(out, start, mode, strength * SignedRange(rng, 0.15, 0.35), 18.0 / mode);
@@ -186,13 +194,13 @@ void AddClack(Signal& out, int start, const DieVoice& voice, double strength, do
 // A dropped die: each bounce loses height, so both the gap before the next one and the
 // loudness shrink geometrically. Returns the sample after its last bounce.
 int AddDroppedDie(Signal& out, int start, const DieVoice& voice, double strength, Rng& rng) {
-  double gap_s = rng.Range(0.10, 0.13);
+  double gapSeconds = rng.Range(0.10, 0.13);
   double amplitude = strength;
   int at = start;
-  while (gap_s > 0.014) {
+  while (gapSeconds > 0.014) {
     AddClack(out, at, voice, amplitude, 1.0, rng);
-    at += SamplesFor(gap_s);
-    gap_s *= rng.Range(0.48, 0.58);
+    at += SamplesFor(gapSeconds);
+    gapSeconds *= rng.Range(0.48, 0.58);
     amplitude *= rng.Range(0.5, 0.6);
   }
   return at;
@@ -203,12 +211,12 @@ int AddDroppedDie(Signal& out, int start, const DieVoice& voice, double strength
 void AddRockingDie(Signal& out, int start, int end, const DieVoice& voice, double strength,
                    Rng& rng) {
   const double shrink = rng.Range(0.74, 0.8);
-  const double available_s = static_cast<double>(end - start) / kSampleRate;
-  double gap_s = std::min(rng.Range(0.09, 0.12), available_s * (1.0 - shrink));
+  const double availableSeconds = static_cast<double>(end - start) / kSampleRate;
+  double gapSeconds = std::min(rng.Range(0.09, 0.12), availableSeconds * (1.0 - shrink));
   double amplitude = strength;
-  for (int at = start; at < end && gap_s > 0.01; at += SamplesFor(gap_s)) {
+  for (int at = start; at < end && gapSeconds > 0.01; at += SamplesFor(gapSeconds)) {
     AddClack(out, at, voice, amplitude, 0.3, rng);
-    gap_s *= shrink;
+    gapSeconds *= shrink;
     amplitude *= rng.Range(0.75, 0.82);
   }
 }
@@ -217,46 +225,46 @@ void AddRockingDie(Signal& out, int start, int end, const DieVoice& voice, doubl
 // exact silence at the settle point, so a player started there begins cleanly.
 Signal MakeDice(int dice) {
   Rng rng(0x51CE0000ULL + static_cast<uint64_t>(dice));
-  const int settle_at = kTailStartSample - (5 - dice) * SamplesFor(0.14);
-  const int settle_length = SamplesFor(0.25 + 0.11 * (dice - 1));
-  const int length = settle_at + settle_length;
+  const int settleAt = kTailStartSample - (5 - dice) * SamplesFor(0.14);
+  const int settleLength = SamplesFor(0.25 + 0.11 * (dice - 1));
+  const int length = settleAt + settleLength;
 
   std::vector<DieVoice> voices;
   for (int die = 0; die < dice; ++die) voices.push_back(MakeDieVoice(rng));
 
   Signal impacts(length, 0.0);
   std::vector<int> landings;
-  int drop_at = SamplesFor(0.01);
-  for (int die = 0; die < dice; ++die) {
+  int dropAt = SamplesFor(0.01);
+  for (size_t die = 0; die < voices.size(); ++die) {
     const double strength = die == 0 ? 1.0 : rng.Range(0.75, 0.95);
-    const int landed = AddDroppedDie(impacts, drop_at, voices[die], strength, rng);
+    const int landed = AddDroppedDie(impacts, dropAt, voices[die], strength, rng);
     landings.push_back(landed);
     // Dice landing among dice already down knock against them: small, bright, no body.
     if (die > 0) AddClack(impacts, landed, voices[die - 1], 0.25, 0.0, rng);
     // Each extra die moves the settle point 0.14 s later, so this keeps the impacts spread
     // evenly over the time before it.
-    drop_at += SamplesFor(rng.Range(0.11, 0.14));
+    dropAt += SamplesFor(rng.Range(0.11, 0.14));
   }
   const int fade = SamplesFor(0.04);
-  for (int i = settle_at - fade; i < length; ++i) {
-    impacts[i] *= 1.0 - SmoothStep(static_cast<double>(i - (settle_at - fade)) / fade);
+  for (int i = settleAt - fade; i < length; ++i) {
+    impacts[i] *= 1.0 - SmoothStep(static_cast<double>(i - (settleAt - fade)) / fade);
   }
 
   Signal settling(length, 0.0);
-  const int rock_end = length - SamplesFor(0.06);
+  const int rockEnd = length - SamplesFor(0.06);
   // Each die rocks from where it lands, while the others still fall: the throw is heard as
   // one continuous sound, with no pause between the falling and the settling. On five dice
   // the rocking heard from the settle point on is the start-up sound of its own.
-  for (int die = 0; die < dice; ++die) {
-    const int start = std::min(landings[die] + SamplesFor(0.02), settle_at);
-    AddRockingDie(settling, start, rock_end, voices[die], rng.Range(0.2, 0.26), rng);
+  for (size_t die = 0; die < voices.size(); ++die) {
+    const int start = std::min(landings[die] + SamplesFor(0.02), settleAt);
+    AddRockingDie(settling, start, rockEnd, voices[die], rng.Range(0.2, 0.26), rng);
   }
 
   // A dip of a few milliseconds at the settle point, too short to hear as a pause, lets a
   // player started there begin in silence.
   const int dip = SamplesFor(0.004);
-  for (int i = std::max(0, settle_at - dip); i < std::min(length, settle_at + dip); ++i) {
-    settling[i] *= SmoothStep(std::abs(i - settle_at) / static_cast<double>(dip));
+  for (int i = std::max(0, settleAt - dip); i < std::min(length, settleAt + dip); ++i) {
+    settling[i] *= SmoothStep(std::abs(i - settleAt) / static_cast<double>(dip));
   }
   for (int i = 0; i < length; ++i) impacts[i] += settling[i];
   ApplyFades(impacts, 0.002, 0.03);
@@ -270,20 +278,21 @@ Signal MakeDice(int dice) {
 
 // Brass-like note: upper harmonics bloom later than the fundamental and fade sooner, and a
 // slow-starting vibrato keeps the held chord alive.
-void AddBrassNote(Signal& out, double start_s, double freq_hz, double hold_s, double release_s,
-                  double loudness) {
-  const int start = SamplesFor(start_s);
-  const int length = SamplesFor(hold_s + release_s);
-  for (int harmonic = 1; harmonic * freq_hz < 9000.0; ++harmonic) {
+void AddBrassNote(Signal& out, double startSeconds, double freqHz, double holdSeconds,
+                  double releaseSeconds, double loudness) {
+  const int start = SamplesFor(startSeconds);
+  const int length = SamplesFor(holdSeconds + releaseSeconds);
+  for (int harmonic = 1; harmonic * freqHz < 9000.0; ++harmonic) {
     const double weight = loudness / std::pow(harmonic, 1.15);
     const double attack = 0.012 + 0.005 * harmonic;
     double phase = 0.0;
     for (int i = 0; i < length && start + i < static_cast<int>(out.size()); ++i) {
       const double t = static_cast<double>(i) / kSampleRate;
       const double swell = SmoothStep(t / attack) * (0.8 + 0.2 * std::exp(-t / 0.12));
-      const double release = 1.0 - SmoothStep((t - hold_s) / (release_s * (0.4 + 0.6 / harmonic)));
+      const double release =
+          1.0 - SmoothStep((t - holdSeconds) / (releaseSeconds * (0.4 + 0.6 / harmonic)));
       const double vibrato = 0.004 * SmoothStep((t - 0.25) / 0.3) * std::sin(kTwoPi * 5.5 * t);
-      phase += kTwoPi * harmonic * freq_hz * (1.0 + vibrato) / kSampleRate;
+      phase += kTwoPi * harmonic * freqHz * (1.0 + vibrato) / kSampleRate;
       out[start + i] += weight * swell * release * std::sin(phase);
     }
   }
@@ -296,7 +305,7 @@ Signal MakeFanfare() {
   constexpr double kStep = 0.085;
   const std::array<double, 3> arpeggio = {kC5, kE5, kG5};
   for (size_t note = 0; note < arpeggio.size(); ++note) {
-    AddBrassNote(out, 0.01 + kStep * note, arpeggio[note], 0.06, 0.04, 1.0);
+    AddBrassNote(out, 0.01 + kStep * static_cast<double>(note), arpeggio[note], 0.06, 0.04, 1.0);
   }
   for (double freq : {kC5, kE5, kG5, kC6}) {
     AddBrassNote(out, 0.01 + kStep * 3, freq, 0.8, 0.2, 0.45);
@@ -367,10 +376,10 @@ Signal MakeLoadingLoop() {
 void PutTag(std::vector<char>& bytes, const char* tag) { bytes.insert(bytes.end(), tag, tag + 4); }
 
 bool WriteWav(const std::filesystem::path& path, const Signal& signal) {
-  const auto data_bytes = static_cast<uint32_t>(signal.size() * 2);
+  const auto dataBytes = static_cast<uint32_t>(signal.size() * 2);
   std::vector<char> bytes;
   PutTag(bytes, "RIFF");
-  quorble::AppendLittleEndian(bytes, 36 + data_bytes, 4);
+  quorble::AppendLittleEndian(bytes, 36 + dataBytes, 4);
   PutTag(bytes, "WAVE");
   PutTag(bytes, "fmt ");
   quorble::AppendLittleEndian(bytes, 16, 4);               // fmt chunk size
@@ -381,7 +390,7 @@ bool WriteWav(const std::filesystem::path& path, const Signal& signal) {
   quorble::AppendLittleEndian(bytes, 2, 2);                // block align
   quorble::AppendLittleEndian(bytes, 16, 2);               // bits per sample
   PutTag(bytes, "data");
-  quorble::AppendLittleEndian(bytes, data_bytes, 4);
+  quorble::AppendLittleEndian(bytes, dataBytes, 4);
   for (double value : signal) {
     const long sample = std::lround(std::clamp(value, -1.0, 1.0) * 32767.0);
     quorble::AppendLittleEndian(bytes, static_cast<uint32_t>(static_cast<int16_t>(sample)), 2);
@@ -398,10 +407,10 @@ int main(int argc, char** argv) {
     std::cerr << "usage: " << argv[0] << " OUTDIR\n";
     return 2;
   }
-  const std::filesystem::path out_dir = argv[1];
+  const std::filesystem::path outDir = argv[1];
   // Not checked here: an unusable directory is reported below, naming the file that failed.
   std::error_code ignored;
-  std::filesystem::create_directories(out_dir, ignored);
+  std::filesystem::create_directories(outDir, ignored);
 
   const std::array<std::function<Signal()>, 8> makers = {
       MakeFanfare,
@@ -414,7 +423,7 @@ int main(int argc, char** argv) {
       MakeLoadingLoop,
   };
   for (size_t index = 0; index < makers.size(); ++index) {
-    const auto path = out_dir / quorble::file_names::Sample(index);
+    const auto path = outDir / quorble::file_names::Sample(static_cast<int>(index));
     if (!WriteWav(path, makers[index]())) {
       std::cerr << "gensamples: cannot write " << path << "\n";
       return 1;

@@ -54,7 +54,7 @@ inline double IntegratedLoudness(const std::vector<double>& signal, double rate)
   for (size_t start = 0; block > 0 && start + block <= weighted.size(); start += step) {
     double sum = 0;
     for (size_t i = start; i < start + block; ++i) sum += weighted[i] * weighted[i];
-    blocks.push_back(sum / block);
+    blocks.push_back(sum / static_cast<double>(block));
   }
   const auto gatedMean = [&](double gate) {
     double sum = 0;

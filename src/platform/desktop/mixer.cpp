@@ -37,7 +37,7 @@ std::vector<float> MakeBeep() {
   for (int i = 0; i < kLength; ++i) {
     const double edge = std::min(1.0, std::min(i, kLength - 1 - i) / static_cast<double>(kFade));
     const double envelope = 0.5 - 0.5 * std::cos(std::numbers::pi * edge);
-    tone[i] =
+    tone[static_cast<size_t>(i)] =
         static_cast<float>(kLevel * envelope * std::sin(2 * std::numbers::pi * kHz * i / kMixRate));
   }
   return tone;
@@ -308,7 +308,7 @@ void Mixer::MixChunk(float* mix, int frames, bool& sampleEnded, bool& speechRanO
 }
 
 bool Mixer::MixSpeech(float* mix, int frames) {
-  const size_t count = std::min<size_t>(frames, speechCount_);
+  const size_t count = std::min(static_cast<size_t>(frames), speechCount_);
   for (size_t frame = 0; frame < count; ++frame) {
     const float value = speechRing_[(speechRead_ + frame) % speechRing_.size()];
     mix[2 * frame] += value;
@@ -327,7 +327,7 @@ bool Mixer::MixSamples(float* mix, int frames) {
 
 void Mixer::MixBeep(float* mix, int frames) {
   if (!BeepingLocked()) return;
-  const size_t count = std::min<size_t>(frames, beep_.size() - beepPosition_);
+  const size_t count = std::min(static_cast<size_t>(frames), beep_.size() - beepPosition_);
   for (size_t frame = 0; frame < count; ++frame) {
     mix[2 * frame] += beep_[beepPosition_ + frame];
     mix[2 * frame + 1] += beep_[beepPosition_ + frame];

@@ -17,7 +17,9 @@ std::vector<float> ResampleWhole(const std::vector<float>& interleaved, int chan
   if (interleaved.empty() || channels <= 0 || fromRate <= 0 || toRate <= 0) return {};
   const long frames = static_cast<long>(interleaved.size()) / channels;
   const double ratio = static_cast<double>(toRate) / fromRate;
-  std::vector<float> out(static_cast<size_t>(std::ceil(frames * ratio) + 16) * channels);
+  const auto width = static_cast<size_t>(channels);
+  std::vector<float> out(static_cast<size_t>(std::ceil(static_cast<double>(frames) * ratio) + 16) *
+                         width);
   SRC_DATA data{};
   data.data_in = interleaved.data();
   data.input_frames = frames;
@@ -25,7 +27,7 @@ std::vector<float> ResampleWhole(const std::vector<float>& interleaved, int chan
   data.output_frames = static_cast<long>(out.size()) / channels;
   data.src_ratio = ratio;
   if (src_simple(&data, kQuality, channels) != 0) return {};
-  out.resize(static_cast<size_t>(data.output_frames_gen) * channels);
+  out.resize(static_cast<size_t>(data.output_frames_gen) * width);
   return out;
 }
 

@@ -194,13 +194,15 @@ bool SpeechEngine::Start() {
 }
 
 void SpeechEngine::Say(const Utterance& utterance, uint64_t generation) {
-  const VoiceChoice& voice = voices_[std::clamp<size_t>(utterance.voice, 0, voices_.size() - 1)];
+  const VoiceChoice& voice =
+      voices_[std::clamp<size_t>(static_cast<size_t>(utterance.voice), 0, voices_.size() - 1)];
   if (voice.name != currentVoice_ && espeak_SetVoiceByName(voice.name) == EE_OK)
     currentVoice_ = voice.name;
   // The pitch outlives a change of voice in the engine: set it every time.
   espeak_SetParameter(espeakPITCH, voice.pitch, 0);
   espeak_SetParameter(espeakRATE, utterance.wordsPerMinute, 0);
-  SynthJob job{*mixer_, generation, std::clamp(utterance.volume, 0, 100) / 100.0f, {}};
+  SynthJob job{
+      *mixer_, generation, static_cast<float>(std::clamp(utterance.volume, 0, 100)) / 100.0f, {}};
   const std::string text = EngineText(utterance.text);
   espeak_Synth(text.c_str(), text.size() + 1, 0, POS_CHARACTER, 0,
                espeakCHARS_AUTO | espeakSSML | espeakENDPAUSE, nullptr, &job);
