@@ -134,8 +134,9 @@ TEST(Turn, FanfareExtraRowAndRefusals) {
 // A quorble scored as 0 earns no extra one.
 TEST(Turn, NoExtraRowAfterAQuorbleOfNothing) {
   SimWorld world;
-  SimWorld::Write(world.Data() / "quorble.sav",
-                  SaveText(1, 1, {{"Ann", 0, 0, 0, ExampleCells(0)}}));
+  std::vector<int> cells = ExampleCells(0);
+  cells[0] = -1;  // ones still open: the game is not over
+  SimWorld::Write(world.Data() / "quorble.sav", SaveText(1, 1, {{"Ann", 0, 0, 0, cells}}));
   const SimRun run = world.Run("key n n\n" + Turn("6 6 6 6 6", 14));
   EXPECT_NE(run.Find("without first having a quorble"), -1) << run.Dump();
 }
