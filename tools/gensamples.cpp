@@ -221,18 +221,8 @@ void AddRockingDie(Signal& out, int start, int end, const DieVoice& voice, doubl
   }
 }
 
-// Impacts up to a settle point, then a separate, quiet rocking layer. The impacts are faded to
-// exact silence at the settle point, so a player started there begins cleanly.
-Signal MakeDice(int dice) {
-  Rng rng(0x51CE0000ULL + static_cast<uint64_t>(dice));
-  const int settleAt = kTailStartSample - (5 - dice) * SamplesFor(0.14);
-  const int settleLength = SamplesFor(0.25 + 0.11 * (dice - 1));
-  const int length = settleAt + settleLength;
-
-  std::vector<DieVoice> voices;
-  for (int die = 0; die < dice; ++die) voices.push_back(MakeDieVoice(rng));
-
-  Signal impacts(length, 0.0);
+// Every die dropped in turn; returns the sample at which each one has landed.
+std::vector<int> DropDice(Signal& impacts, const std::vector<DieVoice>& voices, Rng& rng) {
   std::vector<int> landings;
   int dropAt = SamplesFor(0.01);
   for (size_t die = 0; die < voices.size(); ++die) {
@@ -245,6 +235,22 @@ Signal MakeDice(int dice) {
     // evenly over the time before it.
     dropAt += SamplesFor(rng.Range(0.11, 0.14));
   }
+  return landings;
+}
+
+// Impacts up to a settle point, then a separate, quiet rocking layer. The impacts are faded to
+// exact silence at the settle point, so a player started there begins cleanly.
+Signal MakeDice(int dice) {
+  Rng rng(0x51CE0000ULL + static_cast<uint64_t>(dice));
+  const int settleAt = kTailStartSample - (5 - dice) * SamplesFor(0.14);
+  const int settleLength = SamplesFor(0.25 + 0.11 * (dice - 1));
+  const int length = settleAt + settleLength;
+
+  std::vector<DieVoice> voices;
+  for (int die = 0; die < dice; ++die) voices.push_back(MakeDieVoice(rng));
+
+  Signal impacts(length, 0.0);
+  const std::vector<int> landings = DropDice(impacts, voices, rng);
   const int fade = SamplesFor(0.04);
   for (int i = settleAt - fade; i < length; ++i) {
     impacts[i] *= 1.0 - SmoothStep(static_cast<double>(i - (settleAt - fade)) / fade);

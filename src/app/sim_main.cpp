@@ -2,6 +2,7 @@
 // what a player would have heard and the game asked of the machine.
 #include <fstream>
 #include <iostream>
+#include <optional>
 #include <sstream>
 #include <vector>
 
@@ -54,6 +55,22 @@ bool ParseCommandLine(int argc, char** argv, Options& options) {
   return true;
 }
 
+// The script from its file, or from standard input for "-"; nothing, and
+// the reason said, when it can't be read.
+std::optional<quorble::sim::Script> ReadScript(const std::string& path) {
+  try {
+    std::ifstream file;
+    if (path != "-") {
+      file.open(path);
+      if (!file) throw std::runtime_error("can't read " + path);
+    }
+    return quorble::sim::ParseScript(path == "-" ? std::cin : file);
+  } catch (const std::exception& error) {
+    std::cerr << "quorble-sim: " << error.what() << '\n';
+    return std::nullopt;
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -63,22 +80,12 @@ int main(int argc, char** argv) {
                  "[--companion[=casual]] SCRIPT\n";
     return kBadUsage;
   }
-  quorble::sim::Script script;
-  try {
-    std::ifstream file;
-    if (options.script != "-") {
-      file.open(options.script);
-      if (!file) throw std::runtime_error("can't read " + options.script);
-    }
-    script = quorble::sim::ParseScript(options.script == "-" ? std::cin : file);
-  } catch (const std::exception& error) {
-    std::cerr << "quorble-sim: " << error.what() << '\n';
-    return kBadUsage;
-  }
+  auto script = ReadScript(options.script);
+  if (!script) return kBadUsage;
   std::ostringstream transcript;
   int status = kEnded;
   {
-    quorble::sim::SimPlatform platform(std::move(script), options.folders, transcript);
+    quorble::sim::SimPlatform platform(std::move(*script), options.folders, transcript);
     try {
       bool refused = false;
       {
