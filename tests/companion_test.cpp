@@ -25,7 +25,7 @@ std::string AnnScores(int row) {
 
 // The first text spoken after line `at` before the next key; empty for none.
 std::string SpokenAfter(const SimRun& run, int at) {
-  for (size_t i = at + 1; i < run.lines.size(); ++i) {
+  for (int i = at + 1; i < static_cast<int>(run.lines.size()); ++i) {
     const std::string& text = run.lines[i].text;
     if (text.starts_with("key ")) return {};
     if (text.starts_with("speak ") && text != "speak purge") return Unquote(text);
@@ -102,7 +102,8 @@ TEST(Companion, ComputerTurnsAreSpokenInTheirVoicesAtAPaceToFollow) {
   const int dice = run.Find(R"(" dice ")", first);
   const int keeps = run.Find(R"(" keeps A B C ")", dice);
   double speech = 0;
-  for (int i = dice; i < keeps; ++i) speech += 0.06 * Unquote(run.lines[i].text).size();
+  for (int i = dice; i < keeps; ++i)
+    speech += 0.06 * static_cast<double>(Unquote(run.lines[i].text).size());
   EXPECT_NEAR(run.lines[keeps].time - run.lines[dice].time, speech + 0.4, 1e-3);
   const int second = run.Find(R"(" computer 2 player number  3")", keeps);
   EXPECT_EQ(run.lines[second - 2].text, "voice use 2");
