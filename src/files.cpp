@@ -240,7 +240,9 @@ std::optional<SavedGame> ParseSave(const std::vector<std::string>& lines) {
     if (filled != (game.fin[i] == 1)) return std::nullopt;
   }
   if (finished != game.nfin || game.fin[game.pup] != 0) return std::nullopt;
-  if (lines.size() > expected && !head(game.computerBits, 1, (1 << game.nop) - 1)) {
+  // Set-up leaves at least one player to a person; a game of computers
+  // alone was never begun by anyone.
+  if (lines.size() > expected && !head(game.computerBits, 1, (1 << game.nop) - 2)) {
     return std::nullopt;
   }
   return game;
