@@ -43,12 +43,12 @@ double Now() {
 class Listener {
  public:
   explicit Listener(const char* device) {
-    const pa_sample_spec spec{PA_SAMPLE_S16LE, kRate, 2};
+    const pa_sample_spec format{PA_SAMPLE_S16LE, kRate, 2};
     pa_buffer_attr attr{};
     attr.maxlength = static_cast<uint32_t>(-1);
     attr.fragsize = kChunkFrames * 4;
     int error = 0;
-    stream_ = pa_simple_new(nullptr, "quorble-bench", PA_STREAM_RECORD, device, "listener", &spec,
+    stream_ = pa_simple_new(nullptr, "quorble-bench", PA_STREAM_RECORD, device, "listener", &format,
                             nullptr, &attr, &error);
     if (stream_ != nullptr) thread_ = std::thread([this] { Run(); });
   }

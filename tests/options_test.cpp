@@ -11,7 +11,7 @@
 namespace quorble::app {
 namespace {
 
-const std::vector<OptionSpec> kSpecs = {
+const std::vector<OptionEntry> kSpecs = {
     {.name = "--help", .help = "print this help and exit"},
     {.name = "--docs", .valueName = "DIR", .help = "the documents folder"},
     {.name = "--mode", .envVar = "Q_MODE", .valueName = "NAME", .help = "how to play"},

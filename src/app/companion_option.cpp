@@ -6,7 +6,7 @@ namespace {
 constexpr char kName[] = "--companion";
 }
 
-OptionSpec CompanionOption(const std::string& envVar) {
+OptionEntry CompanionOption(const std::string& envVar) {
   return {.name = kName,
           .envVar = envVar,
           .valueName = "casual",

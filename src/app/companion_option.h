@@ -10,7 +10,7 @@
 namespace quorble::app {
 
 // `envVar` empty for a program that reads no environment.
-OptionSpec CompanionOption(const std::string& envVar);
+OptionEntry CompanionOption(const std::string& envVar);
 
 // The mode the parsed options ask for; nothing, with `error` set, for a
 // strength the game doesn't have.

@@ -9,38 +9,38 @@ std::string ParsedOptions::Value(const std::string& name, const std::string& fal
 
 namespace {
 
-const OptionSpec* FindSpec(const std::vector<OptionSpec>& specs, const std::string& name) {
-  for (const auto& spec : specs) {
-    if (spec.name == name) return &spec;
+const OptionEntry* FindSpec(const std::vector<OptionEntry>& entries, const std::string& name) {
+  for (const auto& entry : entries) {
+    if (entry.name == name) return &entry;
   }
   return nullptr;
 }
 
 // An environment variable set to "0" or "" leaves a flag off.
-void ReadEnvironment(const std::vector<OptionSpec>& specs,
+void ReadEnvironment(const std::vector<OptionEntry>& entries,
                      const std::function<const char*(const char*)>& getenv, ParsedOptions& parsed) {
-  for (const auto& spec : specs) {
-    if (spec.envVar.empty()) continue;
-    const char* value = getenv(spec.envVar.c_str());
+  for (const auto& entry : entries) {
+    if (entry.envVar.empty()) continue;
+    const char* value = getenv(entry.envVar.c_str());
     if (value == nullptr || *value == '\0') continue;
     const std::string text = value;
-    if (spec.valueName.empty() || spec.valueOptional) {
+    if (entry.valueName.empty() || entry.valueOptional) {
       if (text == "0") continue;
-      parsed.values[spec.name] = text == "1" || spec.valueName.empty() ? "" : text;
+      parsed.values[entry.name] = text == "1" || entry.valueName.empty() ? "" : text;
     } else {
-      parsed.values[spec.name] = text;
+      parsed.values[entry.name] = text;
     }
   }
 }
 
 }  // namespace
 
-std::optional<ParsedOptions> ParseOptions(const std::vector<OptionSpec>& specs,
+std::optional<ParsedOptions> ParseOptions(const std::vector<OptionEntry>& entries,
                                           const std::vector<std::string>& args,
                                           const std::function<const char*(const char*)>& getenv,
                                           ParseError& error) {
   ParsedOptions parsed;
-  ReadEnvironment(specs, getenv, parsed);
+  ReadEnvironment(entries, getenv, parsed);
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& arg = args[i];
     if (arg.size() < 2 || arg[0] != '-' || arg == "-") {
@@ -49,18 +49,18 @@ std::optional<ParsedOptions> ParseOptions(const std::vector<OptionSpec>& specs,
     }
     const auto equals = arg.find('=');
     const std::string name = arg.substr(0, equals);
-    const OptionSpec* spec = FindSpec(specs, name);
-    if (spec == nullptr) {
+    const OptionEntry* entry = FindSpec(entries, name);
+    if (entry == nullptr) {
       error.message = "unknown option '" + name + "'";
       return std::nullopt;
     }
     if (equals != std::string::npos) {
-      if (spec->valueName.empty()) {
+      if (entry->valueName.empty()) {
         error.message = "option '" + name + "' takes no value";
         return std::nullopt;
       }
       parsed.values[name] = arg.substr(equals + 1);
-    } else if (!spec->valueName.empty() && !spec->valueOptional) {
+    } else if (!entry->valueName.empty() && !entry->valueOptional) {
       if (i + 1 >= args.size()) {
         error.message = "option '" + name + "' needs a value";
         return std::nullopt;
@@ -73,19 +73,19 @@ std::optional<ParsedOptions> ParseOptions(const std::vector<OptionSpec>& specs,
   return parsed;
 }
 
-std::string OptionHelp(const std::vector<OptionSpec>& specs) {
+std::string OptionHelp(const std::vector<OptionEntry>& entries) {
   std::string text;
-  for (const auto& spec : specs) {
-    std::string left = "  " + spec.name;
-    if (!spec.valueName.empty()) {
-      left += spec.valueOptional ? "[=" + spec.valueName + "]" : "=" + spec.valueName;
+  for (const auto& entry : entries) {
+    std::string left = "  " + entry.name;
+    if (!entry.valueName.empty()) {
+      left += entry.valueOptional ? "[=" + entry.valueName + "]" : "=" + entry.valueName;
     }
     if (left.size() < 26)
       left.resize(26, ' ');
     else
       left += "  ";
-    text += left + spec.help;
-    if (!spec.envVar.empty()) text += " (also " + spec.envVar + ")";
+    text += left + entry.help;
+    if (!entry.envVar.empty()) text += " (also " + entry.envVar + ")";
     text += "\n";
   }
   return text;

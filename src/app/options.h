@@ -11,7 +11,7 @@
 
 namespace quorble::app {
 
-struct OptionSpec {
+struct OptionEntry {
   std::string name = {};       // "--speech"
   std::string envVar = {};     // "QUORBLE_SPEECH"; empty when the option has none
   std::string valueName = {};  // "NAME" when the option takes "=NAME"; empty for a flag
@@ -34,12 +34,12 @@ struct ParseError {
 
 // Reads `--name`, `--name=value` and, for options that take a value,
 // `--name value`. `getenv` is injected for tests.
-std::optional<ParsedOptions> ParseOptions(const std::vector<OptionSpec>& specs,
+std::optional<ParsedOptions> ParseOptions(const std::vector<OptionEntry>& entries,
                                           const std::vector<std::string>& args,
                                           const std::function<const char*(const char*)>& getenv,
                                           ParseError& error);
 
 // The option list for --help, one option a line.
-std::string OptionHelp(const std::vector<OptionSpec>& specs);
+std::string OptionHelp(const std::vector<OptionEntry>& entries);
 
 }  // namespace quorble::app

@@ -32,7 +32,7 @@ constexpr std::string_view kNoDisplay =
 constexpr auto kLongestNotice = std::chrono::milliseconds(4000);
 constexpr int kNoticeWordsPerMinute = 200;
 
-const std::vector<quorble::app::OptionSpec> kOptionSpecs = {
+const std::vector<quorble::app::OptionEntry> kOptionTable = {
     {.name = "--help", .help = "print this help and exit"},
     {.name = "--version", .help = "print the version and exit"},
     {.name = "--speech",
@@ -47,7 +47,7 @@ std::string Usage() {
          "Quorble, a dice game played wholly by ear. Its keys are told in quorble(6).\n"
          "\n"
          "Options:\n" +
-         quorble::app::OptionHelp(kOptionSpecs);
+         quorble::app::OptionHelp(kOptionTable);
 }
 
 bool IsSet(const char* variable) {
@@ -135,7 +135,7 @@ int Play(quorble::desktop::SpeechBackend speech, const quorble::Settings& settin
 int main(int argc, char** argv) {
   quorble::app::ParseError error;
   const auto options = quorble::app::ParseOptions(
-      kOptionSpecs, std::vector<std::string>(argv + 1, argv + argc), std::getenv, error);
+      kOptionTable, std::vector<std::string>(argv + 1, argv + argc), std::getenv, error);
   if (options && !options->positional.empty()) {
     error.message = "unexpected argument '" + options->positional.front() + "'";
   }

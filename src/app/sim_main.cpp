@@ -25,7 +25,7 @@ struct Options {
   quorble::Settings settings;
 };
 
-const std::vector<quorble::app::OptionSpec> kOptionSpecs = {
+const std::vector<quorble::app::OptionEntry> kOptionTable = {
     {.name = "--docs", .valueName = "DIR", .help = "the user's documents folder"},
     {.name = "--cwd", .valueName = "DIR", .help = "the process's current folder"},
     {.name = "--samples", .valueName = "DIR", .help = "the folder of the sound samples"},
@@ -39,7 +39,7 @@ const char* NoEnvironment(const char*) { return nullptr; }
 bool ParseCommandLine(int argc, char** argv, Options& options) {
   quorble::app::ParseError error;
   const auto parsed = quorble::app::ParseOptions(
-      kOptionSpecs, std::vector<std::string>(argv + 1, argv + argc), NoEnvironment, error);
+      kOptionTable, std::vector<std::string>(argv + 1, argv + argc), NoEnvironment, error);
   if (!parsed || parsed->positional.size() != 1) return false;
   std::string strengthError;
   const auto companion = quorble::app::CompanionFrom(*parsed, strengthError);
