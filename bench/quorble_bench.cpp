@@ -8,7 +8,10 @@
 //
 //   quorble-bench SAMPLE_DIR INSTRUCTIONS_TEXT [SERVER_PID]
 #include <SDL.h>
+#include <pthread.h>
+#include <sched.h>
 #include <sys/resource.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -190,6 +193,61 @@ std::vector<double> PurgeSilences(quorble::SpeechVoice& voice, Listener& listene
   return silences;
 }
 
+// How late the machine itself wakes a realtime thread, the audio thread's
+// peer, while the dropouts are counted: a dropout no longer than such a
+// stall is the machine's (a shared virtual machine's host takes its
+// processors away at times), not the mixer's.
+class StallWatch {
+ public:
+  StallWatch() : thread_([this] { Watch(); }) {}
+  ~StallWatch() { Stop(); }
+  void Stop() {
+    stop_ = true;
+    if (thread_.joinable()) thread_.join();
+  }
+  StallWatch(const StallWatch&) = delete;
+  StallWatch& operator=(const StallWatch&) = delete;
+  double WorstMs() const { return worst_ * 1000.0; }
+  int Over(double ms) const {
+    return static_cast<int>(std::count_if(stalls_.begin(), stalls_.end(),
+                                          [ms](double stall) { return stall * 1000.0 > ms; }));
+  }
+
+ private:
+  void Watch() {
+    sched_param param{};
+    param.sched_priority = 10;  // as the mixer asks for its audio thread
+    pthread_setschedparam(pthread_self(), SCHED_RR, &param);
+    double due = Now();
+    while (!stop_) {
+      due += 0.001;
+      const auto wait = std::chrono::duration<double>(due - Now());
+      if (wait.count() > 0) std::this_thread::sleep_for(wait);
+      const double late = Now() - due;
+      worst_ = std::max(worst_.load(), late);
+      if (late > 0.001) {
+        stalls_.push_back(late);
+        due = Now();
+      }
+    }
+  }
+
+  std::atomic<bool> stop_{false};
+  std::atomic<double> worst_{0};
+  std::vector<double> stalls_;
+  std::thread thread_;
+};
+
+// Gaps between the mixer's periods: the audio thread's own view of a stall.
+struct PeriodGaps {
+  double last = 0, longest = 0;
+  void Seen() {
+    const double now = Now();
+    if (last > 0) longest = std::max(longest, now - last);
+    last = now;
+  }
+};
+
 // The filler loop under speech, purges and dice, as in a busy stretch of
 // play; the loop never falls silent, so any run of zeros is a dropout.
 void Dropouts(DesktopPlatform& platform, quorble::SpeechVoice& voice, Listener& listener,
@@ -199,6 +257,9 @@ void Dropouts(DesktopPlatform& platform, quorble::SpeechVoice& voice, Listener& 
   loop->SetFrequency(loop->GetFrequency() + 1);
   loop->Play(quorble::DSBPLAY_LOOPING);
   Sleep(0.2);
+  PeriodGaps gaps;
+  platform.AudioMixer().SetPeriodObserver([&gaps](bool) { gaps.Seen(); });
+  StallWatch stalls;
   listener.CountDropouts(true);
   const double end = Now() + seconds;
   for (int round = 0; Now() < end; ++round) {
@@ -211,10 +272,15 @@ void Dropouts(DesktopPlatform& platform, quorble::SpeechVoice& voice, Listener& 
     voice.Speak("", SVSFPurgeBeforeSpeak);
   }
   listener.CountDropouts(false);
+  platform.AudioMixer().SetPeriodObserver(nullptr);
+  stalls.Stop();
   loop->Stop();
   std::printf(
       "dropouts (1 ms or more of digital zero under the loop) in %.0f s: %d, longest %.1f ms\n",
       seconds, listener.Dropouts(), listener.LongestDropoutMs());
+  std::printf("  longest gap between the mixer's periods: %.1f ms\n", gaps.longest * 1000.0);
+  std::printf("  the machine's own stalls of a realtime thread: worst %.1f ms, %d over 5 ms\n",
+              stalls.WorstMs(), stalls.Over(5.0));
 }
 
 double CpuSeconds() {
@@ -331,6 +397,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+  quorble::desktop::AskSoundServerLatency();  // before SDL's threads
   if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_EVENTS) != 0) {
     std::fprintf(stderr, "quorble-bench: %s\n", SDL_GetError());
     return 1;

@@ -65,6 +65,28 @@ Mixed MixOut(SampleVoice& voice, int limitFrames) {
   return mixed;
 }
 
+// Leaving the game beeps twice a tenth of a second apart; the two must not
+// run together into one tone.
+TEST(MixerTest, TwoBeepsATenthApartAreHeardAsTwo) {
+  Mixer mixer([] {}, Mixer::Drive::Manual, kPeriodFrames);
+  std::vector<float> heard(static_cast<size_t>(3 * kTenthFrames) * kMixChannels);
+  mixer.Beep();
+  mixer.MixPeriod(heard.data(), kTenthFrames);
+  mixer.Beep();
+  mixer.MixPeriod(heard.data() + kTenthFrames * kMixChannels, 2 * kTenthFrames);
+  constexpr int kGapFrames = kMixRate / 50;  // 20 ms of quiet parts two sounds
+  int bursts = 0, quietRun = kGapFrames;
+  for (size_t frame = 0; frame < heard.size() / kMixChannels; ++frame) {
+    if (std::abs(heard[frame * kMixChannels]) < 1e-3f) {
+      ++quietRun;
+      continue;
+    }
+    if (quietRun >= kGapFrames) ++bursts;
+    quietRun = 0;
+  }
+  EXPECT_EQ(bursts, 2);
+}
+
 // The whole sample is heard, its end included, at the length its playing
 // rate gives: nothing is cut off by the conversion to the mixing format,
 // and it ends no later than the period after its last sound.

@@ -105,7 +105,8 @@ bool OnDesktopDriver() {
 }
 
 int Play(quorble::desktop::SpeechBackend speech, const quorble::Settings& settings) {
-  quorble::desktop::QuitOnSignals signals;  // before any other thread starts
+  quorble::desktop::AskSoundServerLatency();  // sets the environment: before any thread
+  quorble::desktop::QuitOnSignals signals;    // before any other thread starts
   const bool driverChosen = IsSet("SDL_VIDEODRIVER");
   if (!driverChosen && !IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY")) return NoDisplay();
   {

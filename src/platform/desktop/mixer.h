@@ -26,8 +26,14 @@
 
 namespace quorble::desktop {
 
-// Frames per device period: QUORBLE_AUDIO_PERIOD when it holds a power of
-// two from 64 to 4096 (for measurements), else the tuned default.
+// Asks the sound server (PulseAudio's client library, which PipeWire's
+// server speaks too) for the buffer the mixer is tuned to, unless the user
+// asked for another. It sets the environment, so a program calls it before
+// any thread starts; the mixer calls it again, which then changes nothing.
+void AskSoundServerLatency();
+
+// Frames per device period: QUORBLE_AUDIO_PERIOD when it holds a multiple
+// of 32 from 64 to 4096 (for measurements), else the tuned default.
 int PeriodFramesFromEnvironment();
 
 class Mixer {

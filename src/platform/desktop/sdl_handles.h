@@ -23,6 +23,12 @@ using WavBytes = std::unique_ptr<Uint8, WavFree>;
 class AudioDevice {
  public:
   explicit AudioDevice(const SDL_AudioSpec& wanted) : wanted_(wanted) {
+    // On a desktop an ordinary user's audio thread becomes realtime only
+    // through rtkit, as the sound server's does; SDL asks it when told the
+    // thread is ready for rtkit's time limit (a period's mix takes far less).
+    SDL_SetHint(SDL_HINT_THREAD_FORCE_REALTIME_TIME_CRITICAL, "1");
+    // Sound servers' volume controls list the game by its name.
+    SDL_SetHint(SDL_HINT_AUDIO_DEVICE_APP_NAME, "Quorble");
     subsystem_ = SDL_InitSubSystem(SDL_INIT_AUDIO) == 0;
   }
   ~AudioDevice() {
