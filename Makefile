@@ -5,7 +5,8 @@ CMAKE_FLAGS ?=
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
 # Debian packages the build, the tests, the package and the game need:
-# compiler and libraries; Xvfb and xdotool for the end-to-end tests;
+# compiler and libraries; Xvfb, xdotool and the X fonts SDL's message box
+# draws with for the end-to-end tests;
 # dpkg-dev and file for cpack's dependency list; lintian, desktop-file-utils,
 # appstream and groff-base check the package, menu entry, metainfo and manual;
 # clang and its run-time libraries for the sanitizer build and the fuzzer;
@@ -16,7 +17,7 @@ PACKAGES := g++ cmake make pkg-config libsdl2-dev libespeak-ng-dev espeak-ng-dat
             dpkg-dev file lintian desktop-file-utils appstream groff-base \
             libspeechd-dev speech-dispatcher speech-dispatcher-espeak-ng \
             libsamplerate0-dev pulseaudio pulseaudio-utils \
-            libx11-dev clang libclang-rt-14-dev
+            libx11-dev xfonts-base clang libclang-rt-14-dev
 
 # The sanitizer build and the fuzzer, both with clang.
 ASAN_DIR ?= build-asan
