@@ -3,34 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
-#include "file_names.h"
-#include "little_endian.h"
 #include "loudness.h"
+#include "sample_files.h"
 
 namespace {
 
-constexpr size_t kHeaderBytes = 44;
-constexpr double kFullScale = 32768.0;
-
-// The sample's values, scaled to full scale 1.
-std::vector<double> Signal(int index) {
-  std::ifstream file(std::filesystem::path(QUORBLE_BUILD_DIR) / quorble::file_names::Sample(index),
-                     std::ios::binary);
-  const std::vector<uint8_t> bytes{std::istreambuf_iterator<char>(file),
-                                   std::istreambuf_iterator<char>()};
-  std::vector<double> values;
-  for (size_t at = kHeaderBytes; at + 1 < bytes.size(); at += 2) {
-    values.push_back(static_cast<int16_t>(quorble::ReadLittleEndian(bytes, at, 2)) / kFullScale);
-  }
-  return values;
-}
+using quorble::sample_files::kFullScale;
 
 // Every sample is as loud as speech, within 2 LU (integrated loudness,
 // ITU-R BS.1770), measured against the engine's default voice rendered
@@ -53,7 +34,8 @@ TEST(SampleLoudness, LoudAsSpeechWithinTwoLoudnessUnits) {
   const double reference = quorble::loudness::IntegratedLoudness(speech, rate);
   ASSERT_GT(reference, -40.0);
   for (int index = 0; index < 8; ++index) {
-    EXPECT_NEAR(quorble::loudness::IntegratedLoudness(Signal(index), 22050), reference, 2.0)
+    EXPECT_NEAR(quorble::loudness::IntegratedLoudness(quorble::sample_files::Values(index), 22050),
+                reference, 2.0)
         << "quorble" << index;
   }
 }

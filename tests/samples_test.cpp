@@ -9,35 +9,22 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "file_names.h"
 #include "little_endian.h"
+#include "sample_files.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+using quorble::sample_files::kFullScale;
+using quorble::sample_files::kHeaderBytes;
+using quorble::sample_files::ReadBytes;
+using quorble::sample_files::Samples;
 
-constexpr size_t kHeaderBytes = 44;
 constexpr size_t kTailOffsetBytes = quorble::file_names::kSettlingTailOffset;
-constexpr double kFullScale = 32768.0;
-
-std::vector<uint8_t> ReadBytes(int index, const fs::path& dir = QUORBLE_BUILD_DIR) {
-  std::ifstream file(dir / quorble::file_names::Sample(index), std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-std::vector<int16_t> Samples(int index) {
-  const auto bytes = ReadBytes(index);
-  std::vector<int16_t> samples;
-  for (size_t at = kHeaderBytes; at + 1 < bytes.size(); at += 2) {
-    samples.push_back(static_cast<int16_t>(quorble::ReadLittleEndian(bytes, at, 2)));
-  }
-  return samples;
-}
 
 int PeakOf(std::vector<int16_t>::const_iterator begin, std::vector<int16_t>::const_iterator end) {
   int peak = 0;

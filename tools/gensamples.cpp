@@ -13,6 +13,8 @@
 #include <iostream>
 #include <numbers>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "file_names.h"
@@ -114,19 +116,21 @@ void ApplyFades(Signal& signal, double fadeInSeconds, double fadeOutSeconds) {
 }
 
 // The integrated loudness of the engine's default voice as the game plays it: every sample
-// is brought to it, so no cue is buried under speech or jumps out of it, and more dice
-// never sound quieter than fewer.
+// is brought to it, the dice throws to within half a unit of it, so no cue is buried under
+// speech or jumps out of it.
 constexpr double kSpeechLufs = -21.0;
 // Headroom kept above any peak, so that a sample mixed with speech doesn't clip.
 constexpr double kHighestPeakDbfs = -1.0;
 
-// Rounds off the few sharpest knocks of a throw, which alone would hold its loudness below
-// that of speech for want of headroom: below half the peak nothing changes.
-void SoftenPeaks(Signal& signal) {
+double PeakOf(const Signal& signal) {
   double peak = 0.0;
   for (double value : signal) peak = std::max(peak, std::abs(value));
-  if (peak == 0.0) return;
-  const double knee = 0.5 * peak;
+  return peak;
+}
+
+// Rounds off what rises above `knee`: below it nothing changes, above it values approach
+// twice the knee.
+void SoftenAbove(Signal& signal, double knee) {
   for (double& value : signal) {
     const double size = std::abs(value);
     if (size <= knee) continue;
@@ -134,14 +138,39 @@ void SoftenPeaks(Signal& signal) {
   }
 }
 
-void NormalizeLoudness(Signal& signal) {
-  const double lufs = quorble::loudness::IntegratedLoudness(signal, kSampleRate);
-  double gain = DbToGain(kSpeechLufs - lufs);
-  double peak = 0.0;
-  for (double value : signal) peak = std::max(peak, std::abs(value));
-  if (peak == 0.0) return;
-  gain = std::min(gain, DbToGain(kHighestPeakDbfs) / peak);
-  for (double& value : signal) value *= gain;
+// Brings the signal to `lufs`, or as near as the headroom allows; returns the loudness reached.
+double NormalizeLoudness(Signal& signal, double lufs = kSpeechLufs) {
+  const double peak = PeakOf(signal);
+  if (peak == 0.0) return -70.0;
+  const double before = quorble::loudness::IntegratedLoudness(signal, kSampleRate);
+  const double gainDb = std::min(lufs - before, kHighestPeakDbfs - 20.0 * std::log10(peak));
+  for (double& value : signal) value *= DbToGain(gainDb);
+  return before + gainDb;
+}
+
+// A throw's few sharpest knocks alone would hold it below `lufs` for want of headroom, so they
+// are rounded off: as little as gets it there, the knee found by halving the range it lies in.
+void BringThrowTo(Signal& signal, double lufs) {
+  constexpr double kCloseEnough = 0.01;
+  Signal best = signal;
+  if (NormalizeLoudness(best, lufs) >= lufs - kCloseEnough) {
+    signal = std::move(best);
+    return;
+  }
+  const double peak = PeakOf(signal);
+  double lowKnee = 0.05, highKnee = 1.0;  // fractions of the peak; the high one falls short
+  for (int step = 0; step < 12; ++step) {
+    const double knee = 0.5 * (lowKnee + highKnee);
+    Signal trial = signal;
+    SoftenAbove(trial, knee * peak);
+    if (NormalizeLoudness(trial, lufs) >= lufs - kCloseEnough) {
+      lowKnee = knee;
+      best = std::move(trial);
+    } else {
+      highKnee = knee;
+    }
+  }
+  signal = std::move(best);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -191,55 +220,161 @@ void AddClack(Signal& out, int start, const DieVoice& voice, double strength, do
   }
 }
 
-// A dropped die: each bounce loses height, so both the gap before the next one and the
-// loudness shrink geometrically. Returns the sample after its last bounce.
-int AddDroppedDie(Signal& out, int start, const DieVoice& voice, double strength, Rng& rng) {
+// The bounces of a dropped die, in samples after it first lands: each bounce loses height, so
+// both the gap before the next one and the loudness shrink geometrically. The last entry is
+// where it comes to lie, with no knock of its own.
+struct Bounce {
+  int offset;
+  double amplitude;
+};
+
+std::vector<Bounce> BouncesOfADrop(double strength, Rng& rng) {
+  std::vector<Bounce> bounces;
   double gapSeconds = rng.Range(0.10, 0.13);
   double amplitude = strength;
-  int at = start;
+  int offset = 0;
   while (gapSeconds > 0.014) {
-    AddClack(out, at, voice, amplitude, 1.0, rng);
-    at += SamplesFor(gapSeconds);
+    bounces.push_back({offset, amplitude});
+    offset += SamplesFor(gapSeconds);
     gapSeconds *= rng.Range(0.48, 0.58);
     amplitude *= rng.Range(0.5, 0.6);
   }
-  return at;
+  bounces.push_back({offset, 0.0});
+  return bounces;
 }
 
-// A die rocking to rest on a face: ever quicker, ever softer ticks, paced so that the whole
-// series fits in the time left rather than being cut off mid-rock.
+// A die rocking on an edge: ever quicker, ever softer ticks, paced so that the series fills
+// the time up to `end`, neither cut off mid-rock nor leaving a pause before it.
 void AddRockingDie(Signal& out, int start, int end, const DieVoice& voice, double strength,
                    Rng& rng) {
-  const double shrink = rng.Range(0.74, 0.8);
+  constexpr double kLastGapSeconds = 0.01;
   const double availableSeconds = static_cast<double>(end - start) / kSampleRate;
-  double gapSeconds = std::min(rng.Range(0.09, 0.12), availableSeconds * (1.0 - shrink));
+  const double firstGap = std::min(rng.Range(0.09, 0.12), 0.26 * availableSeconds);
+  // The gaps above the last one add up to (first - last) / (1 - shrink).
+  const double shrink = std::max(0.74, 1.0 - (firstGap - kLastGapSeconds) / availableSeconds);
+  // The ticks fade by about 12 dB over the series, however many there are.
+  const double ticks = std::log(kLastGapSeconds / firstGap) / std::log(shrink);
+  const double fade = std::pow(0.25, 1.0 / std::max(1.0, ticks));
+  double gapSeconds = firstGap;
   double amplitude = strength;
-  for (int at = start; at < end && gapSeconds > 0.01; at += SamplesFor(gapSeconds)) {
+  for (int at = start; at < end && gapSeconds > kLastGapSeconds; at += SamplesFor(gapSeconds)) {
     AddClack(out, at, voice, amplitude, 0.3, rng);
     gapSeconds *= shrink;
-    amplitude *= rng.Range(0.75, 0.82);
+    amplitude *= fade * rng.Range(0.97, 1.03);
   }
 }
 
-// Every die dropped in turn; returns the sample at which each one has landed.
-std::vector<int> DropDice(Signal& impacts, const std::vector<DieVoice>& voices, Rng& rng) {
-  std::vector<int> landings;
-  int dropAt = SamplesFor(0.01);
+// Only bounces this loud, against the die's first landing, stand out of a throw; the softer
+// ones blur into its rattle wherever they fall.
+constexpr double kProminentBounce = 0.4;
+// Two knocks closer than this fuse into one to the ear.
+constexpr int kEarResolution = kSampleRate / 20;
+
+// A die thrown a little higher or lower bounces with longer or shorter gaps. The throw as
+// drawn is tried first, the highest last.
+constexpr std::array<double, 5> kHeights = {1.0, 0.9, 1.1, 0.8, 1.2};
+
+std::vector<Bounce> Thrown(std::vector<Bounce> bounces, double height) {
+  for (Bounce& bounce : bounces) {
+    bounce.offset = static_cast<int>(std::lround(bounce.offset * height));
+  }
+  return bounces;
+}
+
+// The gap between the nearest prominent bounce of a die dropped at `at` and any knock heard so
+// far, capped at what the ear resolves.
+int NearestKnock(const std::vector<int>& heard, const std::vector<Bounce>& bounces, int at) {
+  int nearest = kEarResolution;
+  for (const Bounce& bounce : bounces) {
+    if (bounce.amplitude < kProminentBounce * bounces.front().amplitude) continue;
+    for (int knock : heard) nearest = std::min(nearest, std::abs(at + bounce.offset - knock));
+  }
+  return nearest;
+}
+
+// The earliest moment within [from, to], and the height, at which a die lands clear of the
+// knocks already heard, or failing one, the clearest.
+std::pair<int, std::vector<Bounce>> ClearestDrop(const std::vector<int>& heard,
+                                                 const std::vector<Bounce>& bounces, int from,
+                                                 int to) {
+  std::pair<int, std::vector<Bounce>> best = {from, bounces};
+  int bestGap = -1;
+  for (int at = from; at <= to && bestGap < kEarResolution; at += SamplesFor(0.002)) {
+    for (double height : kHeights) {
+      std::vector<Bounce> thrown = Thrown(bounces, height);
+      const int gap = NearestKnock(heard, thrown, at);
+      if (gap > bestGap) best = {at, std::move(thrown)}, bestGap = gap;
+      if (gap >= kEarResolution) break;
+    }
+  }
+  return best;
+}
+
+// Every die dropped in turn, each where its landing and first bounce are heard apart from the
+// knocks of the dice before it, all down by `lastRest`. Returns where each one comes to lie.
+std::vector<int> DropDice(Signal& impacts, const std::vector<DieVoice>& voices, int lastRest,
+                          Rng& rng) {
+  std::vector<std::vector<Bounce>> drops;
   for (size_t die = 0; die < voices.size(); ++die) {
-    const double strength = die == 0 ? 1.0 : rng.Range(0.75, 0.95);
-    const int landed = AddDroppedDie(impacts, dropAt, voices[die], strength, rng);
-    landings.push_back(landed);
-    // Dice landing among dice already down knock against them: small, bright, no body.
-    if (die > 0) AddClack(impacts, landed, voices[die - 1], 0.25, 0.0, rng);
-    // Each extra die moves the settle point 0.14 s later, so this keeps the impacts spread
-    // evenly over the time before it.
-    dropAt += SamplesFor(rng.Range(0.11, 0.14));
+    drops.push_back(BouncesOfADrop(die == 0 ? 1.0 : rng.Range(0.75, 0.95), rng));
   }
-  return landings;
+  const int first = SamplesFor(0.01);
+  const int span = lastRest - drops.back().back().offset - first;
+  const int slot = voices.size() > 1 ? span / static_cast<int>(voices.size() - 1) : 0;
+  std::vector<int> heard, rests;
+  int dropAt = first;
+  for (size_t die = 0; die < voices.size(); ++die) {
+    if (die > 0) {
+      const int centre = first + slot * static_cast<int>(die);
+      const int from = std::max(dropAt + kEarResolution, centre - slot / 2);
+      const int longest = Thrown(drops[die], kHeights.back()).back().offset;  // highest throw
+      const int to = std::min(centre + slot / 2, lastRest - longest);
+      std::tie(dropAt, drops[die]) = ClearestDrop(heard, drops[die], from, std::max(from, to));
+    }
+    for (auto bounce = drops[die].begin(); bounce + 1 != drops[die].end(); ++bounce) {
+      AddClack(impacts, dropAt + bounce->offset, voices[die], bounce->amplitude, 1.0, rng);
+      if (bounce->amplitude >= kProminentBounce * drops[die].front().amplitude)
+        heard.push_back(dropAt + bounce->offset);
+    }
+    rests.push_back(dropAt + drops[die].back().offset);
+    // Dice landing among dice already down knock against them: small, bright, no body.
+    if (die > 0) AddClack(impacts, rests.back(), voices[die - 1], 0.25, 0.0, rng);
+  }
+  return rests;
 }
 
-// Impacts up to a settle point, then a separate, quiet rocking layer. The impacts are faded to
-// exact silence at the settle point, so a player started there begins cleanly.
+// Each die rocks from where it lands, while the others still fall: the throw is heard as one
+// continuous sound, with no pause between the falling and the settling. Then the dice tip
+// flat one after the other, each with a knock of its own, the last one a little before the
+// end: a throw of more dice is heard settling for longer.
+Signal SettleDice(const std::vector<DieVoice>& voices, const std::vector<int>& landings,
+                  int settleAt, int length, Rng& rng) {
+  Signal settling(length, 0.0);
+  std::vector<int> flat(voices.size(), length - SamplesFor(0.06));
+  for (size_t die = voices.size() - 1; die > 0; --die) {
+    flat[die - 1] = flat[die] - SamplesFor(rng.Range(0.06, 0.09));
+  }
+  // The rattles of all dice together stay half as loud as one tip, so they never drown a
+  // bounce or a tip.
+  const double rattle = 0.5 / std::sqrt(static_cast<double>(voices.size()));
+  for (size_t die = 0; die < voices.size(); ++die) {
+    const double strength = rng.Range(0.2, 0.26);
+    const int start = std::min(landings[die] + SamplesFor(0.02), settleAt);
+    AddRockingDie(settling, start, flat[die], voices[die], rattle * strength, rng);
+    AddClack(settling, flat[die], voices[die], strength, 0.5, rng);
+  }
+  // A dip of a few milliseconds at the settle point, too short to hear as a pause, lets a
+  // player started there begin in silence.
+  const int dip = SamplesFor(0.004);
+  for (int i = std::max(0, settleAt - dip); i < std::min(length, settleAt + dip); ++i) {
+    settling[i] *= SmoothStep(std::abs(i - settleAt) / static_cast<double>(dip));
+  }
+  return settling;
+}
+
+// Impacts up to a settle point, then a separate, quiet settling layer. The impacts are faded
+// to exact silence at the settle point, so a player started there begins cleanly: on five
+// dice what is heard from there on is the start-up sound of its own.
 Signal MakeDice(int dice) {
   Rng rng(0x51CE0000ULL + static_cast<uint64_t>(dice));
   const int settleAt = kTailStartSample - (5 - dice) * SamplesFor(0.14);
@@ -250,32 +385,17 @@ Signal MakeDice(int dice) {
   for (int die = 0; die < dice; ++die) voices.push_back(MakeDieVoice(rng));
 
   Signal impacts(length, 0.0);
-  const std::vector<int> landings = DropDice(impacts, voices, rng);
+  const std::vector<int> landings = DropDice(impacts, voices, settleAt - SamplesFor(0.06), rng);
   const int fade = SamplesFor(0.04);
   for (int i = settleAt - fade; i < length; ++i) {
     impacts[i] *= 1.0 - SmoothStep(static_cast<double>(i - (settleAt - fade)) / fade);
   }
-
-  Signal settling(length, 0.0);
-  const int rockEnd = length - SamplesFor(0.06);
-  // Each die rocks from where it lands, while the others still fall: the throw is heard as
-  // one continuous sound, with no pause between the falling and the settling. On five dice
-  // the rocking heard from the settle point on is the start-up sound of its own.
-  for (size_t die = 0; die < voices.size(); ++die) {
-    const int start = std::min(landings[die] + SamplesFor(0.02), settleAt);
-    AddRockingDie(settling, start, rockEnd, voices[die], rng.Range(0.2, 0.26), rng);
-  }
-
-  // A dip of a few milliseconds at the settle point, too short to hear as a pause, lets a
-  // player started there begin in silence.
-  const int dip = SamplesFor(0.004);
-  for (int i = std::max(0, settleAt - dip); i < std::min(length, settleAt + dip); ++i) {
-    settling[i] *= SmoothStep(std::abs(i - settleAt) / static_cast<double>(dip));
-  }
+  const Signal settling = SettleDice(voices, landings, settleAt, length, rng);
   for (int i = 0; i < length; ++i) impacts[i] += settling[i];
   ApplyFades(impacts, 0.002, 0.03);
-  SoftenPeaks(impacts);
-  NormalizeLoudness(impacts);
+  // Each die more makes the throw a shade louder, so more dice are never heard as quieter;
+  // all stay within half a loudness unit of speech.
+  BringThrowTo(impacts, kSpeechLufs + 0.25 * (dice - 3));
   return impacts;
 }
 
