@@ -1,10 +1,10 @@
 // The companion mode's side of the game: its table, the computer players'
 // set-up, and the two keys that speak advice and totals.
 #include <algorithm>
-#include <cctype>
 
 #include "companion_text.h"
 #include "gamestate.h"
+#include "prompts.h"
 #include "scoresheet.h"
 
 namespace quorble {
@@ -37,8 +37,9 @@ void Form1::askComputers() {
     getkey();
     if (g == keys::kF1) continue;
     saykey();
-    if (g2.size() == 1 && std::isdigit(static_cast<unsigned char>(g2[0])) && g2[0] - '0' < nop) {
-      computers = g2[0] - '0';
+    const int digit = KeyDigit(g2);
+    if (digit >= 0 && digit < nop) {
+      computers = digit;
       return;
     }
     say2(" Lets try that again please. ");
@@ -67,9 +68,10 @@ void Form1::nameComputers() {
 }
 
 std::vector<companion::Sheet> Form1::sheetsOf(int player) const {
-  std::vector<companion::Sheet> sheets(static_cast<size_t>(g2p));
+  std::vector<companion::Sheet> sheets;
   for (int s = 1; s <= g2p; ++s) {
-    for (int row = 1; row <= kRows; ++row) sheets[s - 1][row] = sheet[player][row][s];
+    companion::Sheet& one = sheets.emplace_back();
+    for (int row = 1; row <= kRows; ++row) one[row] = sheet[player][row][s];
   }
   return sheets;
 }

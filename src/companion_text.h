@@ -12,7 +12,7 @@ namespace quorble {
 inline std::string KeptLetters(const companion::Move& move) {
   std::string letters;
   for (int i = 0; i < 5; ++i) {
-    if (move.keep[static_cast<size_t>(i)]) letters += std::string(" ") + static_cast<char>('A' + i);
+    if (move.keep[i]) letters += std::string(" ") + static_cast<char>('A' + i);
   }
   return letters;
 }

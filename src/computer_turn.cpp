@@ -63,7 +63,7 @@ companion::Move Form1::computerRolls() {
     hearOut();
     computerPause(kAfterKeep);
     for (int i = 1; i <= kDice; ++i) {
-      if (!move.keep[static_cast<size_t>(i - 1)]) dye[i] = -1;
+      if (!move.keep[i - 1]) dye[i] = -1;
     }
   }
 }

@@ -199,50 +199,65 @@ struct SavedGame {
   int computerBits = 0;
 };
 
-std::optional<SavedGame> ParseSave(const std::vector<std::string>& lines) {
-  SavedGame game;
+// The lines of a saved game taken one at a time, each number checked as it
+// is taken.
+struct SaveLines {
+  const std::vector<std::string>& lines;
   size_t at = 0;
-  auto number = [&]() -> std::optional<int> {
+
+  std::optional<int> Number() {
     return at < lines.size() ? ParseNumber(lines[at++]) : std::nullopt;
-  };
-  auto head = [&](int& field, int low, int high) {
-    auto value = number();
+  }
+  // The next number into `field` when it lies from `low` to `high`.
+  bool Field(int& field, int low, int high) {
+    const auto value = Number();
     if (!value || *value < low || *value > high) return false;
     field = *value;
     return true;
-  };
-  if (!head(game.nop, 1, 9) || !head(game.pup, 1, game.nop) || !head(game.g2p, 1, kSheets) ||
-      !head(game.nfin, 0, game.nop - 1)) {
+  }
+};
+
+// Player i's sheets; false for a score no dice make or a board that can't be.
+bool ReadSheets(SaveLines& in, SavedGame& game, int i) {
+  bool filled = true;
+  for (int s = 1; s <= game.g2p; ++s) {
+    for (int row = 1; row <= kRows; ++row) {
+      const auto score = in.Number();
+      if (!score || !ScoreFits(row, *score)) return false;
+      game.sheet[i][row][s] = *score;
+      filled = filled && (row == kRows || *score >= 0);
+    }
+    // An extra score needs five alike on its sheet first.
+    if (game.sheet[i][kRows][s] > 0 && game.sheet[i][13][s] != 50) return false;
+  }
+  // A full board that isn't finished would refuse every row for ever.
+  return filled == (game.fin[i] == 1);
+}
+
+bool ReadPlayer(SaveLines& in, SavedGame& game, int i) {
+  game.names[i] = in.lines[in.at++];
+  return in.Field(game.fin[i], 0, 1) && in.Field(game.pv[i], -1000000, 1000000) &&
+         in.Field(game.pr[i], -1000000, 1000000) && ReadSheets(in, game, i);
+}
+
+std::optional<SavedGame> ParseSave(const std::vector<std::string>& lines) {
+  SavedGame game;
+  SaveLines in{lines};
+  if (!in.Field(game.nop, 1, 9) || !in.Field(game.pup, 1, game.nop) ||
+      !in.Field(game.g2p, 1, kSheets) || !in.Field(game.nfin, 0, game.nop - 1)) {
     return std::nullopt;
   }
   const auto expected = static_cast<size_t>(4 + game.nop * (4 + kRows * game.g2p));
   if (lines.size() != expected && lines.size() != expected + 1) return std::nullopt;
   int finished = 0;
   for (int i = 1; i <= game.nop; ++i) {
-    game.names[i] = lines[at++];
-    if (!head(game.fin[i], 0, 1) || !head(game.pv[i], -1000000, 1000000) ||
-        !head(game.pr[i], -1000000, 1000000)) {
-      return std::nullopt;
-    }
+    if (!ReadPlayer(in, game, i)) return std::nullopt;
     finished += game.fin[i];
-    bool filled = true;
-    for (int s = 1; s <= game.g2p; ++s) {
-      for (int row = 1; row <= kRows; ++row) {
-        auto score = number();
-        if (!score || !ScoreFits(row, *score)) return std::nullopt;
-        game.sheet[i][row][s] = *score;
-        filled = filled && (row == kRows || *score >= 0);
-      }
-      // An extra score needs five alike on its sheet first.
-      if (game.sheet[i][kRows][s] > 0 && game.sheet[i][13][s] != 50) return std::nullopt;
-    }
-    // A full board that isn't finished would refuse every row for ever.
-    if (filled != (game.fin[i] == 1)) return std::nullopt;
   }
   if (finished != game.nfin || game.fin[game.pup] != 0) return std::nullopt;
   // Set-up leaves at least one player to a person; a game of computers
   // alone was never begun by anyone.
-  if (lines.size() > expected && !head(game.computerBits, 1, (1 << game.nop) - 2)) {
+  if (lines.size() > expected && !in.Field(game.computerBits, 1, (1 << game.nop) - 2)) {
     return std::nullopt;
   }
   return game;

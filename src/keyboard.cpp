@@ -15,11 +15,6 @@ constexpr int kMaxDialogDepth = 16;
 const YesNoPlace kNamePlace{.byDefault = 1, .echoYesNo = true, .echoOther = true};
 const YesNoPlace kPlayersPlace{.byDefault = 1, .echoOther = true};
 
-int DigitValue(const std::string& text) {
-  if (text.size() == 1 && std::isdigit(static_cast<unsigned char>(text[0]))) return text[0] - '0';
-  return 0;
-}
-
 // The number a key code's text stands for; the latch only ever holds codes
 // and the "1" that the dialogues leave.
 int CodeValue(const std::string& code) {
@@ -205,7 +200,7 @@ void Form1::GetNop() {
     getkey();
     if (g == keys::kF1) continue;
     saykey();
-    nop = DigitValue(g2);
+    nop = KeyDigit(g2);
     if (nop < 1 || nop > 9) {
       say2(" Lets try that again please. ");
       continue;
@@ -251,6 +246,9 @@ void Form1::nameLoop() {
   }
 }
 
-int KeyDigit(const std::string& g2) { return DigitValue(g2); }
+int KeyDigit(const std::string& g2) {
+  if (g2.size() == 1 && std::isdigit(static_cast<unsigned char>(g2[0]))) return g2[0] - '0';
+  return -1;
+}
 
 }  // namespace quorble

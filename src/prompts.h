@@ -14,7 +14,7 @@ struct YesNoPlace {
   bool echoOther = false;  // otherwise: an unknown key is echoed
 };
 
-// The value of a digit key's character; 0 for anything else.
+// The value of a digit key's character; -1 for anything else.
 int KeyDigit(const std::string& g2);
 
 }  // namespace quorble

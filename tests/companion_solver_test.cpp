@@ -117,7 +117,7 @@ struct Position {
 };
 
 Move Score(int sheet, int row) { return Move{false, {}, row, sheet}; }
-Move Keep(std::array<bool, 5> keep) { return Move{true, keep, 0, 0}; }
+Move Keep(std::array<bool, 5> keep) { return Move{true, {keep}, 0, 0}; }
 
 std::string Describe(const Move& move) {
   if (!move.reroll)

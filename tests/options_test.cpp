@@ -11,7 +11,7 @@
 namespace quorble::app {
 namespace {
 
-const std::vector<OptionEntry> kSpecs = {
+const std::vector<OptionEntry> kEntries = {
     {.name = "--help", .help = "print this help and exit"},
     {.name = "--docs", .valueName = "DIR", .help = "the documents folder"},
     {.name = "--mode", .envVar = "Q_MODE", .valueName = "NAME", .help = "how to play"},
@@ -35,7 +35,7 @@ std::optional<ParsedOptions> Parse(const Case& c, ParseError& error) {
     const auto found = c.environment.find(name);
     return found == c.environment.end() ? nullptr : found->second.c_str();
   };
-  return ParseOptions(kSpecs, c.args, getenv, error);
+  return ParseOptions(kEntries, c.args, getenv, error);
 }
 
 TEST(OptionsTest, ReadsEverySpellingAndPutsTheCommandLineBeforeTheEnvironment) {
@@ -87,7 +87,7 @@ TEST(OptionsTest, ValueFallsBackWhenAbsentOrEmpty) {
 }
 
 TEST(OptionsTest, HelpListsEachOptionWithItsValueAndVariableInOneColumn) {
-  EXPECT_EQ(OptionHelp(kSpecs),
+  EXPECT_EQ(OptionHelp(kEntries),
             "  --help                  print this help and exit\n"
             "  --docs=DIR              the documents folder\n"
             "  --mode=NAME             how to play (also Q_MODE)\n"

@@ -9,7 +9,7 @@ std::string ParsedOptions::Value(const std::string& name, const std::string& fal
 
 namespace {
 
-const OptionEntry* FindSpec(const std::vector<OptionEntry>& entries, const std::string& name) {
+const OptionEntry* FindEntry(const std::vector<OptionEntry>& entries, const std::string& name) {
   for (const auto& entry : entries) {
     if (entry.name == name) return &entry;
   }
@@ -49,7 +49,7 @@ std::optional<ParsedOptions> ParseOptions(const std::vector<OptionEntry>& entrie
     }
     const auto equals = arg.find('=');
     const std::string name = arg.substr(0, equals);
-    const OptionEntry* entry = FindSpec(entries, name);
+    const OptionEntry* entry = FindEntry(entries, name);
     if (entry == nullptr) {
       error.message = "unknown option '" + name + "'";
       return std::nullopt;

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kKeys = 6 * 6 * 6 * 6 * 6 * 6;  // counts 0 to 5 for each face
 
-int KeyOf(const std::array<int, kFaces + 1>& counts) {
+int KeyOf(const Indexed<int, kFaces + 1>& counts) {
   int key = 0;
   for (int face = kFaces; face >= 1; --face) key = key * 6 + counts[face];
   return key;
@@ -23,8 +23,15 @@ const DiceSets& DiceSets::Get() {
 }
 
 DiceSets::DiceSets() : byKey_(kKeys, -1) {
+  NumberSets();
+  LinkSets();
+  ValueRolls();
+}
+
+// Every key whose counts add up to five dice or fewer is a set.
+void DiceSets::NumberSets() {
   for (int key = 0; key < kKeys; ++key) {
-    std::array<int, kFaces + 1> counts{};
+    FaceCounts counts{};
     int rest = key;
     int total = 0;
     for (int face = 1; face <= kFaces; ++face) {
@@ -37,10 +44,13 @@ DiceSets::DiceSets() : byKey_(kKeys, -1) {
     counts_.push_back(counts);
     size_.push_back(total);
   }
+}
+
+// The moves between sets, and the sets in the orders a turn walks them.
+void DiceSets::LinkSets() {
+  add_.assign(counts_.size(), {});
+  remove_.assign(counts_.size(), {});
   const int sets = static_cast<int>(counts_.size());
-  add_.assign(sets, {});
-  remove_.assign(sets, {});
-  points_.assign(sets, {});
   for (int set = 0; set < sets; ++set) {
     for (int face = 1; face <= kFaces; ++face) {
       auto more = counts_[set];
@@ -55,10 +65,14 @@ DiceSets::DiceSets() : byKey_(kKeys, -1) {
   }
   std::stable_sort(bySize_.begin(), bySize_.end(),
                    [this](int a, int b) { return size_[a] < size_[b]; });
-  // Valued by the game's own rule, so that the solver and the game can never
-  // disagree about what a roll is worth.
+}
+
+// Valued by the game's own rule, so that the solver and the game can never
+// disagree about what a roll is worth.
+void DiceSets::ValueRolls() {
+  points_.assign(counts_.size(), {});
   for (int roll : rolls_) {
-    std::array<int, kDice + 1> dice{};
+    Indexed<int, kDice + 1> dice{};
     int die = 1;
     for (int face = 1; face <= kFaces; ++face) {
       for (int n = 0; n < counts_[roll][face]; ++n) dice[die++] = face;
@@ -67,14 +81,12 @@ DiceSets::DiceSets() : byKey_(kKeys, -1) {
   }
 }
 
-int DiceSets::Lookup(const std::array<int, kFaces + 1>& counts) const {
-  return byKey_[KeyOf(counts)];
-}
+int DiceSets::Lookup(const FaceCounts& counts) const { return byKey_[KeyOf(counts)]; }
 
 int DiceSets::IndexOf(const Dice& dice) const { return IndexOfKept(dice, 0x1f); }
 
 int DiceSets::IndexOfKept(const Dice& dice, unsigned mask) const {
-  std::array<int, kFaces + 1> counts{};
+  FaceCounts counts{};
   for (int i = 0; i < 5; ++i) {
     if ((mask >> i & 1u) != 0 && dice[i] >= 1 && dice[i] <= kFaces) ++counts[dice[i]];
   }

@@ -4,10 +4,10 @@
 // these 462 sets rather than over 7776 ordered rolls.
 #pragma once
 
-#include <array>
 #include <vector>
 
 #include "companion/strategy.h"
+#include "indexed.h"
 
 namespace quorble::companion {
 
@@ -39,16 +39,21 @@ class DiceSets {
 
  private:
   DiceSets();
-  int Lookup(const std::array<int, kFaces + 1>& counts) const;
+  void NumberSets();
+  void LinkSets();
+  void ValueRolls();
+  using FaceCounts = Indexed<int, kFaces + 1>;  // dice of each face 1 to 6
 
-  std::vector<int> size_;
-  std::vector<std::array<int, kFaces + 1>> counts_;
-  std::vector<std::array<int, kFaces + 1>> add_;
-  std::vector<std::array<int, kFaces + 1>> remove_;
+  int Lookup(const FaceCounts& counts) const;
+
+  IndexedVector<int> size_;
+  IndexedVector<FaceCounts> counts_;
+  IndexedVector<FaceCounts> add_;
+  IndexedVector<FaceCounts> remove_;
   std::vector<int> bySize_;
   std::vector<int> rolls_;
-  std::vector<int> byKey_;
-  std::vector<std::array<int, 15>> points_;
+  IndexedVector<int> byKey_;
+  IndexedVector<Indexed<int, 15>> points_;
 };
 
 }  // namespace quorble::companion

@@ -20,7 +20,7 @@ bool Finished(const std::vector<Sheet>& sheets) {
 }
 
 int Points(const Dice& dice, int row) {
-  std::array<int, kDice + 1> game{};
+  Indexed<int, kDice + 1> game{};
   for (int i = 0; i < kDice; ++i) game[i + 1] = dice[i];
   return RowValue(game, row);
 }
@@ -37,12 +37,10 @@ int PlayTurn(const Strategy& strategy, std::vector<Sheet>& sheets, std::mt19937_
     if (!move.reroll || rollsLeft == 0) break;
     for (int i = 0; i < kDice; ++i) dice[i] = move.keep[i] ? dice[i] : face(random);
   }
-  const int sheet = move.sheet - 1;
-  if (move.reroll || sheet < 0 || sheet >= static_cast<int>(sheets.size()) ||
-      !CanScore(sheets[sheet], move.row, dice)) {
-    return 0;
-  }
-  int& cell = sheets[sheet][move.row];
+  if (move.reroll || move.sheet < 1 || move.sheet > static_cast<int>(sheets.size())) return 0;
+  Sheet& played = sheets[static_cast<std::size_t>(move.sheet - 1)];
+  if (!CanScore(played, move.row, dice)) return 0;
+  int& cell = played[move.row];
   cell = move.row < kRows ? Points(dice, move.row) : std::max(cell, 0) + Points(dice, move.row);
   return move.row;
 }

@@ -11,18 +11,20 @@
 #include <string>
 #include <vector>
 
+#include "indexed.h"
+
 namespace quorble::companion {
 
-using Dice = std::array<int, 5>;    // faces 1 to 6 of dice A to E, as they lie
-using Sheet = std::array<int, 15>;  // rows 1 to 14 (index 0 unused); -1 while empty,
-                                    // row 14 the running total of extra scores
+using Dice = Indexed<int, 5>;    // faces 1 to 6 of dice A to E, as they lie
+using Sheet = Indexed<int, 15>;  // rows 1 to 14 (index 0 unused); -1 while empty,
+                                 // row 14 the running total of extra scores
 
 // What to do with the dice now.
 struct Move {
-  bool reroll = false;         // keep the dice marked and roll the others
-  std::array<bool, 5> keep{};  // with reroll: which of dice A to E stay
-  int row = 0;                 // without reroll: the row to score, 1 to 14
-  int sheet = 0;               // without reroll: the sheet, 1 to the sheets in play
+  bool reroll = false;      // keep the dice marked and roll the others
+  Indexed<bool, 5> keep{};  // with reroll: which of dice A to E stay
+  int row = 0;              // without reroll: the row to score, 1 to 14
+  int sheet = 0;            // without reroll: the sheet, 1 to the sheets in play
 };
 
 class Strategy {

@@ -4,8 +4,6 @@
 // derivative that the extra row's self-loop needs (see Sloped).
 #pragma once
 
-#include <array>
-
 #include "companion/dice_sets.h"
 
 namespace quorble::companion {
@@ -21,7 +19,7 @@ struct Sloped {
 };
 
 template <class Num>
-using SetValues = std::array<Num, kDiceSets>;
+using SetValues = Indexed<Num, kDiceSets>;
 
 // Given the worth of each roll of five dice, fills in every smaller set with
 // the expected worth of rolling the dice it lacks. Dice are independent, so

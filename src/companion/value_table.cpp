@@ -43,7 +43,7 @@ SetValues<Num> Unscored() {
 
 // The worth of a turn from `state` when the state itself is worth `self`.
 template <class Num>
-Num TurnValue(const SheetState& state, const std::vector<double>& worths, Num self) {
+Num TurnValue(const SheetState& state, const IndexedVector<double>& worths, Num self) {
   auto scoreNow = Unscored<Num>();
   MergeScoreValues(
       state, [&worths](int index) { return worths[index]; }, self, 0.0, scoreNow);
@@ -56,7 +56,7 @@ Num TurnValue(const SheetState& state, const std::vector<double>& worths, Num se
 // linear in w with slope below 1 (the chance of ending on the extra row), so
 // Newton's method from below reaches the fixed point exactly within a few
 // steps: each step solves one policy's linear equation.
-double SelfConsistentValue(const SheetState& state, const std::vector<double>& worths,
+double SelfConsistentValue(const SheetState& state, const IndexedVector<double>& worths,
                            double start) {
   double guess = start;
   for (int step = 0; step < 100; ++step) {
@@ -101,7 +101,7 @@ int SheetState::Index() const {
 }
 
 std::shared_ptr<const ValueTable> ComputeValueTable() {
-  std::vector<double> worths(ValueTable::kStates, 0.0);
+  IndexedVector<double> worths(ValueTable::kStates, 0.0);
   const auto reach = ReachableUpperSums();
   for (int filled = (1 << kFilledRows) - 1; filled >= 0; --filled) {
     SheetState state;

@@ -44,10 +44,10 @@ class ValueTable {
   }
   // The expected score still to come from the state, bonus included.
   double Value(const SheetState& state) const { return values_[state.Index()]; }
-  const std::vector<float>& Values() const { return values_; }
+  const IndexedVector<float>& Values() const { return values_; }
 
  private:
-  std::vector<float> values_;
+  IndexedVector<float> values_;
 };
 
 // Calls `visit(row, points, next)` for every row of this sheet that the

@@ -60,6 +60,13 @@ void Point(const char* what, const char* a = "", const char* b = "") {
 
 bool Changes(int flags) { return (flags & (O_WRONLY | O_RDWR | O_CREAT | O_TRUNC)) != 0; }
 
+// open and open64 alike: `args` holds the mode behind the flags.
+int OpenThrough(const char* real, const char* path, int flags, va_list args) {
+  const mode_t mode = va_arg(args, mode_t);
+  if (Changes(flags)) Point("open", path);
+  return Real<int (*)(const char*, int, ...)>(real)(path, flags, mode);
+}
+
 }  // namespace
 
 extern "C" {
@@ -67,19 +74,17 @@ extern "C" {
 int open(const char* path, int flags, ...) {
   va_list args;
   va_start(args, flags);
-  const mode_t mode = va_arg(args, mode_t);
+  const int fd = OpenThrough("open", path, flags, args);
   va_end(args);
-  if (Changes(flags)) Point("open", path);
-  return Real<int (*)(const char*, int, ...)>("open")(path, flags, mode);
+  return fd;
 }
 
 int open64(const char* path, int flags, ...) {
   va_list args;
   va_start(args, flags);
-  const mode_t mode = va_arg(args, mode_t);
+  const int fd = OpenThrough("open64", path, flags, args);
   va_end(args);
-  if (Changes(flags)) Point("open", path);
-  return Real<int (*)(const char*, int, ...)>("open64")(path, flags, mode);
+  return fd;
 }
 
 ssize_t write(int fd, const void* data, size_t size) {

@@ -50,7 +50,7 @@ std::vector<float> MakeBeep() {
   return tone;
 }
 
-SDL_AudioSpec WantedSpec(void* mixer, SDL_AudioCallback callback, int periodFrames) {
+SDL_AudioSpec WantedFormat(void* mixer, SDL_AudioCallback callback, int periodFrames) {
   SDL_AudioSpec wanted{};
   wanted.freq = kMixRate;
   wanted.format = kMixFormat;
@@ -98,7 +98,7 @@ Mixer::Mixer(Notify wake, Drive drive, int periodFrames)
   speechResampler_.SetRates(22050, kMixRate);
   if (drive_ == Drive::Manual) return;
   AskSoundServerLatency();  // a no-op when the program asked before its threads
-  device_.emplace(WantedSpec(this, &Mixer::OnDevice, periodFrames_));
+  device_.emplace(WantedFormat(this, &Mixer::OnDevice, periodFrames_));
   if (device_->Open()) {
     usesDevice_ = true;
     {
