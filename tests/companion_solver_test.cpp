@@ -108,20 +108,8 @@ TEST(ValueTable, ExtraRowRaisesTheStateItLoopsOn) {
   }
 }
 
-struct Position {
-  const char* what;
-  std::vector<Sheet> sheets;
-  Dice dice;
-  int rollsLeft;
-  Move best;
-};
-
-Move Score(int sheet, int row) { return Move{false, {}, row, sheet}; }
-Move Keep(std::array<bool, 5> keep) { return Move{true, {keep}, 0, 0}; }
-
 std::string Describe(const Move& move) {
-  if (!move.reroll)
-    return "score sheet " + std::to_string(move.sheet) + " row " + std::to_string(move.row);
+  if (!move.reroll) return "score " + std::to_string(move.sheet) + "/" + std::to_string(move.row);
   std::string text = "keep";
   for (int i = 0; i < 5; ++i) text += move.keep[i] ? std::string(" ") + char('A' + i) : "";
   return text;
@@ -131,55 +119,40 @@ TEST(OptimalStrategy, HandCheckedPositions) {
   Sheet empty;
   empty.fill(-1);
   const Sheet fifty = SheetWith({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}, 0, 50);
-  const Position positions[] = {
+  const struct {
+    const char* what;
+    std::vector<Sheet> sheets;
+    Dice dice;
+    int rollsLeft;
+    const char* best;  // "score SHEET/ROW" or "keep" and the dice kept
+  } positions[] = {
       {"five alike, row 13 and chance empty",
        {SheetWith({12, 13})},
        {4, 4, 4, 4, 4},
        0,
-       Score(1, 13)},
-      {"five alike on the first roll are not rolled again",
-       {SheetWith({12, 13})},
-       {4, 4, 4, 4, 4},
-       2,
-       Score(1, 13)},
-      {"a large straight on the game's first roll", {empty}, {3, 1, 2, 5, 4}, 2, Score(1, 11)},
-      {"five alike count as a full house", {SheetWith({1, 9})}, {2, 2, 2, 2, 2}, 0, Score(1, 9)},
-      {"five alike again with 50 on row 13", {fifty}, {3, 3, 3, 3, 3}, 0, Score(1, 14)},
-      {"chance, last roll to come: keep from 4 up",
-       {SheetWith({12})},
-       {6, 4, 5, 1, 2},
-       1,
-       Keep({true, true, true, false, false})},
-      {"chance, two rolls to come: keep from 5 up",
-       {SheetWith({12})},
-       {6, 4, 5, 1, 2},
-       2,
-       Keep({true, false, true, false, false})},
-      {"only ones left: keep the ones",
-       {SheetWith({1})},
-       {1, 3, 1, 4, 5},
-       2,
-       Keep({true, false, true, false, false})},
-      {"the extra row on the sheet that has the 50",
+       "score 1/13"},
+      {"five alike on the first roll", {SheetWith({12, 13})}, {4, 4, 4, 4, 4}, 2, "score 1/13"},
+      {"a large straight on the first roll", {empty}, {3, 1, 2, 5, 4}, 2, "score 1/11"},
+      {"five alike count as a full house", {SheetWith({1, 9})}, {2, 2, 2, 2, 2}, 0, "score 1/9"},
+      {"five alike again with 50 on row 13", {fifty}, {3, 3, 3, 3, 3}, 0, "score 1/14"},
+      {"chance, one roll to come", {SheetWith({12})}, {6, 4, 5, 1, 2}, 1, "keep A B C"},
+      {"chance, two rolls to come", {SheetWith({12})}, {6, 4, 5, 1, 2}, 2, "keep A C"},
+      {"only ones left", {SheetWith({1})}, {1, 3, 1, 4, 5}, 2, "keep A C"},
+      {"the extra row where the 50 is",
        {SheetWith({13}), SheetWith({12}, 0, 50)},
        {5, 5, 5, 5, 5},
        0,
-       Score(2, 14)},
+       "score 2/14"},
       {"no extra row where row 13 holds 0",
        {SheetWith({}), SheetWith({12})},
        {5, 5, 5, 5, 5},
        0,
-       Score(2, 12)},
-      {"the bonus is worth a weak sixes score",
-       {SheetWith({6, 12}, 57)},
-       {6, 1, 1, 2, 2},
-       0,
-       Score(1, 6)},
+       "score 2/12"},
+      {"the bonus is worth weak sixes", {SheetWith({6, 12}, 57)}, {6, 1, 1, 2, 2}, 0, "score 1/6"},
   };
   const auto strategy = MakeOptimalStrategy(ParseValueTable(SerializeValueTable(BuiltTable())));
-  for (const Position& p : positions) {
-    const Move move = strategy->Choose(p.sheets, p.dice, p.rollsLeft);
-    EXPECT_EQ(Describe(move), Describe(p.best)) << p.what;
+  for (const auto& p : positions) {
+    EXPECT_EQ(Describe(strategy->Choose(p.sheets, p.dice, p.rollsLeft)), p.best) << p.what;
   }
 }
 

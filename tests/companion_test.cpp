@@ -3,6 +3,8 @@
 // remember who the computer plays.
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "game_script.h"
 
 namespace quorble::test {
@@ -33,13 +35,11 @@ std::string SpokenAfter(const SimRun& run, int at) {
   return {};
 }
 
+// The lines of a file the game wrote, without their CR LF.
 std::vector<std::string> FileLines(const std::string& text) {
   std::vector<std::string> lines;
-  for (size_t at = 0; at < text.size();) {
-    const size_t end = text.find("\r\n", at);
-    lines.push_back(text.substr(at, end - at));
-    at = end + 2;
-  }
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line.substr(0, line.find('\r')));
   return lines;
 }
 

@@ -1,14 +1,11 @@
 // The desktop sound path without a sound card: samples mixed by hand, and
-// the mixer on its stand-in clock.
+// the mixer driven period by period by the test.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cmath>
-#include <condition_variable>
-#include <cstdlib>
-#include <mutex>
 #include <numbers>
 #include <thread>
 #include <vector>
@@ -87,35 +84,6 @@ TEST(MixerTest, TwoBeepsATenthApartAreHeardAsTwo) {
   EXPECT_EQ(bursts, 2);
 }
 
-// The whole sample is heard, its end included, at the length its playing
-// rate gives: nothing is cut off by the conversion to the mixing format,
-// and it ends no later than the period after its last sound.
-TEST(SampleVoiceTest, IsHeardWholeAtItsPlayingRate) {
-  const struct {
-    double seconds;  // of the file at its own rate
-    int rate;
-    SDL_AudioFormat format;
-    int channels, playRate;
-  } kCases[] = {
-      {0.5, 22050, AUDIO_S16SYS, 1, 22050},  // no resampling
-      {0.5, 11025, AUDIO_S16SYS, 1, 11026},  // one hertz fast, as the game plays
-      {0.25, 11025, AUDIO_U8, 1, 5513},
-      {0.3, 48000, AUDIO_S16SYS, 2, 48000},  // above the mixing rate
-  };
-  for (const auto& sample : kCases) {
-    SCOPED_TRACE(sample.playRate);
-    auto voice = MakeVoice(sample.seconds, sample.rate, sample.format, sample.channels);
-    voice->SetRate(sample.playRate);
-    voice->Play(false);
-    const Mixed mixed = MixOut(*voice, kMixRate * 10);
-    const double expected = sample.seconds * sample.rate / sample.playRate * kMixRate;
-    EXPECT_TRUE(mixed.ranOut);
-    EXPECT_FALSE(voice->Playing());
-    EXPECT_NEAR(mixed.framesHeard, expected, 40.0);
-    EXPECT_LT(mixed.framesMixed, expected + 2 * kPeriodFrames);
-  }
-}
-
 TEST(SampleVoiceTest, StartsAtThePositionSetAndReachesTheSidesByTheirGains) {
   auto voice = MakeVoice(0.2);
   voice->SetPosition(2205 * 2);  // half way, in bytes
@@ -131,21 +99,6 @@ TEST(SampleVoiceTest, StartsAtThePositionSetAndReachesTheSidesByTheirGains) {
   auto empty = std::make_shared<SampleVoice>(std::vector<Uint8>{}, SDL_AudioSpec{});
   empty->Play(true);
   EXPECT_FALSE(empty->Playing());
-}
-
-TEST(SampleVoiceTest, PlaysWholeAgainAfterRunningOutAndLoopsUntilStopped) {
-  auto voice = MakeVoice(0.1);
-  voice->Play(false);
-  MixOut(*voice, kMixRate);
-  voice->Play(false);
-  EXPECT_NEAR(MixOut(*voice, kMixRate).framesHeard, kTenthFrames, 40.0);
-  voice->Play(true);
-  const Mixed looping = MixOut(*voice, kMixRate / 2);
-  EXPECT_FALSE(looping.ranOut);
-  EXPECT_GT(looping.framesHeard, kMixRate / 2 - 600);
-  voice->Stop();
-  EXPECT_FALSE(voice->Playing());
-  EXPECT_LE(MixOut(*voice, kTenthFrames).framesHeard, kMixRate / 100) << "only its fade";
 }
 
 // Played one hertz off its own rate, as the game plays every sample, a
@@ -263,67 +216,6 @@ TEST(MixerTest, DeliversLongSpeechWithoutAGapWhenFedAtItsOwnPace) {
   speech.join();
   EXPECT_FALSE(mixer.SpeechBuffered());
   mixer.Detach(voice.get());
-}
-
-// With no audio device the mixer keeps real time on its own clock.
-class ClockMixerTest : public testing::Test {
- protected:
-  static void SetUpTestSuite() { setenv("SDL_AUDIODRIVER", "no-such-driver", 1); }
-
-  void SetUp() override {
-    mixer_ = std::make_unique<Mixer>([this] {
-      std::lock_guard lock(mutex_);
-      ++wakes_;
-      woken_.notify_all();
-    });
-    mixer_->SetSpeechDrained([this] {
-      std::lock_guard lock(mutex_);
-      ++drains_;
-    });
-    ASSERT_FALSE(mixer_->HasDevice());
-  }
-
-  // Seconds until the next wake-up, or -1 after two seconds.
-  double SecondsToWake() {
-    const auto start = std::chrono::steady_clock::now();
-    std::unique_lock lock(mutex_);
-    const int before = wakes_;
-    if (!woken_.wait_for(lock, std::chrono::seconds(2), [&] { return wakes_ > before; })) return -1;
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  }
-
-  std::mutex mutex_;
-  std::condition_variable woken_;
-  int wakes_ = 0, drains_ = 0;
-  std::unique_ptr<Mixer> mixer_;  // last, so that its thread stops first
-};
-
-TEST_F(ClockMixerTest, ASampleTakesItsRealTimeAndWakesTheGameAtItsEnd) {
-  auto voice = MakeVoice(0.2);
-  mixer_->Attach(voice);
-  mixer_->Change([&] { voice->Play(false); });
-  EXPECT_NEAR(SecondsToWake(), 0.2, 0.05);
-  EXPECT_FALSE(mixer_->Ask([&] { return voice->Playing(); }));
-  mixer_->Detach(voice.get());
-}
-
-TEST_F(ClockMixerTest, SpeechIsBufferedUntilHeardAndAPurgeRefusesWhatCameBefore) {
-  const std::vector<int16_t> tenth(2205, 8000);
-  const int count = static_cast<int>(tenth.size());
-  ASSERT_TRUE(mixer_->PushSpeech(tenth.data(), count, 0));
-  mixer_->EndSpeechText(0);
-  EXPECT_TRUE(mixer_->SpeechBuffered());
-  EXPECT_GT(SecondsToWake(), 0.05);
-  EXPECT_FALSE(mixer_->SpeechBuffered());
-  {
-    std::lock_guard lock(mutex_);
-    EXPECT_EQ(drains_, 1) << "the drained listener hears the end of speech";
-  }
-  ASSERT_TRUE(mixer_->PushSpeech(tenth.data(), count, 0));
-  mixer_->PurgeSpeech(1);
-  EXPECT_FALSE(mixer_->SpeechBuffered());
-  EXPECT_FALSE(mixer_->PushSpeech(tenth.data(), count, 0));
-  EXPECT_TRUE(mixer_->PushSpeech(tenth.data(), count, 1));
 }
 
 }  // namespace

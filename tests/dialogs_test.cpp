@@ -7,11 +7,7 @@
 namespace quorble::test {
 namespace {
 
-const std::string kRate = "to adjust the speech rate, use the arrow keys and then press enter";
 const std::string kVoiceA = "a do you wish to use this voice? ";
-const std::string kLeave = " Do you wish to exit the game without saving it? ";
-const std::string kIntro = "  player number  1";
-const std::string kRoll = " Press R, to roll the dice ";
 const std::string kThanks = " thank you for playing Kwor-bul, By Tavi Orlund ";
 const std::string kSorry = "Sorry, but I could not find the Brindlesoft game menu program.";
 // From the greeting to player 1's voice question, the name being "a".
@@ -57,27 +53,6 @@ TEST(VoiceDialog, RotationSkipsTheLastVoiceAndTheAnswerIsKept) {
       << run.Dump();
 }
 
-TEST(VoiceDialog, UnknownKeysAndNestedDialogsAskAgainAtNo) {
-  SimWorld world;
-  const SimRun run = world.Run(kToVoiceA + "key x f1 esc up ctrl up enter up f12 y enter y\n");
-  const Texts expected = Flat({
-      {kVoiceA, " no "},               // asked
-      {kVoiceA, " no "},               // x
-      {kVoiceA, " no "},               // f1
-      {kVoiceA, " no ", " yes "},      // esc, up
-      {kRate, "0", "1"},               // ctrl, up
-      {kVoiceA, " no ", " yes "},      // enter: asked again at no; up
-      {kVoiceA, " no "},               // f12: asked in there
-      {kVoiceA, " no "},               // y: out here again, at no
-      {" ", kVoiceA, " no "},          // enter: the next voice
-      {" a player number  1", kRoll},  // y
-  });
-  EXPECT_EQ(run.Spoken(kVoiceA), expected) << run.Dump();
-  // The nested question opens the filler again; no new voice until the Enter.
-  EXPECT_EQ(Count(run, "sound open quorble7.wav"), 3) << run.Dump();
-  EXPECT_EQ(VoicesUsed(run, run.Find(kVoiceA)), (Texts{"use 1", "use 1"})) << run.Dump();
-}
-
 // With two voices F12 has no other voice to offer; with more, questions
 // within questions stop at sixteen.
 TEST(VoiceDialog, TwoVoicesAskNothingAndNestingStopsAtSixteen) {
@@ -113,28 +88,6 @@ TEST(RateDialog, ArrowsChangeAndSpeakTheRate) {
             "key 13 | speak async \" Would you like to read the instructions? \" | "
             "speak async \" yes \"")
       << run.Dump();
-}
-
-TEST(Leaving, PromptFromTheRollPrompt) {
-  const Texts stays = {kIntro, kRoll, "stuck"};
-  const Texts leaves = {kThanks, kSorry, "end"};
-  const struct {
-    const char* keys;
-    Texts heard;
-    const Texts& then;
-  } cases[] = {
-      {"esc up enter", {kLeave, " No ", " Yes "}, leaves},
-      {"esc up x down enter", {kLeave, " No ", " Yes ", "x", kLeave, " No ", " Yes "}, leaves},
-      {"esc up esc enter", {kLeave, " No ", " Yes ", "\x1b", kLeave, " No "}, stays},
-      {"esc ctrl enter enter", {kLeave, " No ", kRate, "0", "", kLeave, " No "}, stays},
-  };
-  for (const auto& c : cases) {
-    SimWorld world;
-    const SimRun run = world.Run(NamedGame() + "key " + c.keys + "\n");
-    Texts heard = run.Spoken(kLeave);
-    heard.push_back(run.Events().back());
-    EXPECT_EQ(heard, Flat({c.heard, c.then})) << c.keys << "\n" << run.Dump();
-  }
 }
 
 // Files in the current folder; the launcher is found there whatever its
@@ -197,31 +150,6 @@ TEST(Config, DataFolderFoundWhateverItsCase) {
   const SimRun run = world.Run("");
   EXPECT_EQ(run.Between("voice use", "voice volume"), "voice use 1 | voice rate 4");
   EXPECT_FALSE(fs::exists(world.Data()));
-}
-
-// Player 1's voice and rate go from run to run; changes of the turn that is
-// left, and the file in the current folder, don't.
-TEST(Config, NextRunGreetsInPlayerOnesVoiceAndRate) {
-  SimWorld world;
-  SimWorld::Write(world.Cwd() / "quorble.cfg", " 2 \r\n-1 \r\n");
-  const SimRun first = world.Run(
-      "key ctrl up up up up enter n n enter 2 y\n"
-      "key a enter y enter enter y\n"
-      "key b enter ctrl up up enter y enter y\n"
-      "key f12 enter y ctrl up enter s\n");
-  ASSERT_EQ(first.status, 0) << first.Dump();
-  EXPECT_EQ(first.Between("voice use", "voice volume"), "voice use 2 | voice rate -1");
-  EXPECT_EQ(SimWorld::Read(world.Data() / "quorble.cfg"), " 1 \r\n 3 \r\n");
-  EXPECT_EQ(SimWorld::Read(world.Cwd() / "quorble.cfg"), " 2 \r\n-1 \r\n");
-
-  const SimRun second = world.Run("key n n esc y\n");
-  EXPECT_EQ(second.Between("voice use", "voice volume"), "voice use 1 | voice rate 3");
-  EXPECT_NE(second.Find("getting saved game"), -1) << second.Dump();
-
-  const SimRun third = world.Run("key n n\n");
-  EXPECT_EQ(third.Between("voice use", "voice volume"), "voice use 1 | voice rate 3");
-  EXPECT_EQ(third.Find("getting saved game"), -1);
-  EXPECT_NE(third.Find(" Select which game you wish to play "), -1) << third.Dump();
 }
 
 }  // namespace

@@ -228,21 +228,6 @@ inline std::string FillSheet(int sheet = 1) {
   return keys;
 }
 
-// Ann and Bob on two sheets. Ann scores row 14 of sheet 1 twice, so she
-// needs two turns more than Bob and plays them alone once he has finished.
-inline std::string TwoSheetRace() {
-  std::vector<std::string> ann, bob;
-  for (int s = 1; s <= 2; ++s) {
-    int row = 0;
-    for (const auto& dice : kRowDice) bob.push_back(Turn(dice, ++row, s));
-  }
-  ann = bob;
-  ann.insert(ann.begin() + 13, 2, Turn("6 6 6 6 6", 14));
-  std::string keys = NamedGame({"shift a n n", "shift b o b"}, "d");
-  for (size_t t = 0; t < ann.size(); ++t) keys += ann[t] + (t < bob.size() ? bob[t] : "");
-  return keys;
-}
-
 // The scores of kRowDice on rows 1 to 12, `quorble` on row 13, `extra` on 14.
 inline std::vector<int> ExampleCells(int quorble, int extra = -1) {
   return {3, 6, 9, 12, 15, 18, 20, 22, 25, 30, 40, 21, quorble, extra};

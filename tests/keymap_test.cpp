@@ -27,11 +27,9 @@ TEST(VirtualKeyCode, CharactersFollowTheLayout) {
     const char* place;
     int code;
   } kCases[] = {
-      {'a', "A", 65},       {'z', "Z", 90},       {'a', "Q", 65},       {'\'', "Q", 222},
-      {'s', ";", 83},       {'1', "1", 49},       {'9', "9", 57},       {0xE0, "0", 48},
-      {'-', "6", 54},       {0xF6, ";", 186},     {',', "M", 188},      {'\b', "Backspace", 8},
-      {'\t', "Tab", 9},     {'\r', "Return", 13}, {0x1B, "Escape", 27}, {' ', "Space", 32},
-      {0x7F, "Delete", 46},
+      {'z', "Z", 90},     {'a', "Q", 65},       {'\'', "Q", 222}, {'s', ";", 83},
+      {'9', "9", 57},     {0xE0, "0", 48},      {0xF6, ";", 186}, {'\b', "Backspace", 8},
+      {' ', "Space", 32}, {0x7F, "Delete", 46},
   };
   for (const auto& key : kCases) {
     EXPECT_EQ(VirtualKeyCode(key.sym, Place(key.place), false), key.code) << key.place;

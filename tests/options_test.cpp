@@ -76,16 +76,6 @@ TEST(OptionsTest, ReadsEverySpellingAndPutsTheCommandLineBeforeTheEnvironment) {
   }
 }
 
-TEST(OptionsTest, ValueFallsBackWhenAbsentOrEmpty) {
-  ParseError error;
-  const auto parsed = Parse({{"--docs="}, {}, {}}, error);
-  ASSERT_TRUE(parsed);
-  EXPECT_EQ(parsed->Value("--docs", "here"), "here");
-  EXPECT_EQ(parsed->Value("--mode", "calm"), "calm");
-  EXPECT_TRUE(parsed->Has("--docs"));
-  EXPECT_FALSE(parsed->Has("--mode"));
-}
-
 TEST(OptionsTest, HelpListsEachOptionWithItsValueAndVariableInOneColumn) {
   EXPECT_EQ(OptionHelp(kEntries),
             "  --help                  print this help and exit\n"

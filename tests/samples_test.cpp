@@ -84,25 +84,6 @@ TEST(Samples, LengthsLevelsAndEdges) {
   }
 }
 
-// A throw is one continuous sound: no stretch of silence inside it that a
-// listener would hear as a stutter.
-TEST(DiceSamples, NoSilenceInsideAThrow) {
-  constexpr int kWindow = 22050 / 200;  // 5 ms
-  for (int dice = 1; dice <= 5; ++dice) {
-    const auto samples = Samples(dice);
-    int quietRun = 0, longestQuiet = 0;
-    for (size_t at = 0; at + kWindow < samples.size(); at += kWindow) {
-      double sum = 0;
-      for (size_t i = 0; i < kWindow; ++i)
-        sum += static_cast<double>(samples[at + i]) * samples[at + i];
-      const bool quiet = std::sqrt(sum / kWindow) < 0.001 * kFullScale;  // -60 dBFS
-      if (!quiet) longestQuiet = std::max(longestQuiet, quietRun);
-      quietRun = quiet ? quietRun + 1 : 0;
-    }
-    EXPECT_LE(longestQuiet * 5, 30) << "ms of silence inside the throw of " << dice;
-  }
-}
-
 // The game plays quorble5.wav from byte 40000 on as a sound of its own.
 TEST(DiceSamples, FiveDiceTailPlaysCleanlyOnItsOwn) {
   const auto samples = Samples(5);
@@ -112,21 +93,6 @@ TEST(DiceSamples, FiveDiceTailPlaysCleanlyOnItsOwn) {
   const int tailPeak = PeakOf(tail, samples.end());
   EXPECT_LT(tailPeak, PeakOf(samples.begin(), tail) / 2) << "settling should be gentle";
   EXPECT_GT(tailPeak, 0.03 * kFullScale) << "settling should still be heard";
-}
-
-// Continuing the last two samples in a straight line should land near the first one: a seam
-// bends the waveform no harder than anything inside the loop does.
-TEST(LoadingLoop, JoinsEndToStartWithoutASeam) {
-  const auto samples = Samples(7);
-  ASSERT_GT(samples.size(), 3u);
-  auto bend = [&](size_t i) {  // second difference around sample i, wrapping at the ends
-    const size_t n = samples.size();
-    return std::abs(samples[(i + n - 1) % n] - 2 * samples[i] + samples[(i + 1) % n]);
-  };
-  int largestInside = 0;
-  for (size_t i = 1; i + 1 < samples.size(); ++i) largestInside = std::max(largestInside, bend(i));
-  EXPECT_LE(bend(samples.size() - 1), largestInside);
-  EXPECT_LE(bend(0), largestInside);
 }
 
 TEST(Generator, WritesTheSameBytesEveryRun) {

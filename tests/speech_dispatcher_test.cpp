@@ -10,9 +10,8 @@ TEST(DispatcherRate, ZeroIsThePlayersOwnAndTenIsTheDaemonsEnd) {
     int player, game, daemon;
   };
   const Case cases[] = {
-      {0, 0, 0},     {30, 0, 30},    {0, 1, 10},   {0, -1, -10},     {0, 5, 50},
-      {0, 10, 100},  {0, -10, -100}, {0, 25, 100}, {0, -40, -100},   {50, 5, 75},
-      {50, -5, -25}, {50, 10, 100},  {-60, 5, 20}, {-60, -10, -100},
+      {0, 0, 0},    {30, 0, 30}, {0, 1, 10},    {0, -10, -100},
+      {0, 25, 100}, {50, 5, 75}, {50, -5, -25}, {-60, 5, 20},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(DispatcherRate(c.player, c.game), c.daemon)
@@ -66,7 +65,6 @@ TEST(MessageTracker, PendingUntilEveryMessageEndsWhateverTheOrder) {
     bool pendingAfter;
   };
   const std::vector<std::vector<Step>> scripts = {
-      {{'s', 1, true}, {'f', 1, false}},
       {{'s', 1, true}, {'s', 2, true}, {'f', 1, true}, {'f', 2, false}},
       // The end overtook spd_say's reply.
       {{'f', 3, false}, {'s', 3, false}, {'s', 4, true}, {'f', 4, false}},
@@ -91,13 +89,6 @@ TEST(MessageTracker, PendingUntilEveryMessageEndsWhateverTheOrder) {
       EXPECT_EQ(tracker.Pending(), step.pendingAfter) << "script " << n << ", step " << at;
     }
   }
-}
-
-TEST(SpeechBackendNamed, KnowsTheTwoNamesOnly) {
-  EXPECT_EQ(SpeechBackendNamed("espeak"), SpeechBackend::Espeak);
-  EXPECT_EQ(SpeechBackendNamed("dispatcher"), SpeechBackend::Dispatcher);
-  EXPECT_FALSE(SpeechBackendNamed("Dispatcher"));
-  EXPECT_FALSE(SpeechBackendNamed(""));
 }
 
 }  // namespace

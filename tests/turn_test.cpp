@@ -178,6 +178,9 @@ TEST(Turn, ThreeSheetsEndAfterTheLastRowOfTheThird) {
   const int over = run.Find("game scores");
   EXPECT_NE(run.Find(R"(" total score sheet  3")", over), -1);
   EXPECT_NE(run.Find(R"(" 918 points ")", over), -1);
+  const std::string log = SimWorld::Read(world.Data() / "quorblelog.txt");
+  EXPECT_NE(log.find("score sheet # 3\r\n ones  3 points"), std::string::npos) << log;
+  EXPECT_NE(log.find("grand total 918 points\r\n"), std::string::npos) << log;
 }
 
 }  // namespace

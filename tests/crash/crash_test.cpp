@@ -1,12 +1,11 @@
-// The game killed with SIGKILL at every call that changes a file, and at
-// random moments: each file it keeps is then the old whole file or the new
-// whole file, never a torn one, and the next start goes on as if nothing
-// happened. The preloaded shim counts the calls and kills at the one chosen.
+// The game killed with SIGKILL at every call that changes a file: each file
+// it keeps is then the old whole file or the new whole file, never a torn
+// one, and the next start goes on as if nothing happened. The preloaded shim
+// counts the calls and kills at the one chosen.
 #include <gtest/gtest.h>
 
 #include <map>
 #include <optional>
-#include <random>
 
 #include "game_script.h"
 
@@ -210,25 +209,6 @@ TEST(Crash, EveryChangeIsSyncedBeforeTheNext) {
     EXPECT_EQ(unsyncedData, "") << "at the end";
     EXPECT_EQ(unsyncedEntry, "") << "at the end";
   }
-}
-
-TEST(Crash, KilledAtRandomMomentsLosesNothing) {
-  std::mt19937 random(20261123);
-  std::uniform_int_distribution<int> micros(100, 6000);  // a run takes about 5 ms
-  const auto scenarios = Scenarios();
-  int killed = 0;
-  for (size_t round = 0; round < 20; ++round) {
-    const Scenario& scenario = scenarios[round % scenarios.size()];
-    const Reference reference = Undisturbed(scenario);
-    const double delay = micros(random) / 1e6;
-    SCOPED_TRACE(std::string(scenario.what) + ", killed after " + std::to_string(delay) + " s");
-    CrashWorld world(scenario);
-    // In the foreground, timeout waits until the game has died.
-    killed += world.Run("timeout --foreground -s KILL " + std::to_string(delay)).status != 0;
-    ExpectWhole(reference, world.Watched());
-    world.ExpectNextStartGoesOn(reference.before.at("quorble.sav"), Readable(scenario));
-  }
-  std::printf("%d of 20 runs killed before their end\n", killed);
 }
 
 }  // namespace
