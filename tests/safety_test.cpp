@@ -50,51 +50,6 @@ TEST(Safety, SecondCopyOnTheSameDataFolderTouchesNothing) {
   EXPECT_TRUE(fs::exists(world.Data() / "quorble.txt"));
 }
 
-// Two copies started at once on one data folder, again and again: each
-// either saves its whole game or refuses to start, and the file left is
-// one whole game.
-TEST(Safety, TwoCopiesAtOnceNeverTearTheSavedGame) {
-  std::vector<std::string> names;
-  for (char c = 'a'; c <= 'i'; ++c) names.push_back(std::string(1, c));
-  const std::string big = NamedGame(names, "t") + "key s\n", small = NamedGame({"z"}) + "key s\n";
-  std::string bigSave, smallSave;
-  {
-    SimWorld alone;
-    ASSERT_EQ(alone.Run(big).status, 0);
-    bigSave = SimWorld::Read(alone.Data() / "quorble.sav");
-    fs::remove(alone.Data() / "quorble.sav");
-    ASSERT_EQ(alone.Run(small).status, 0);
-    smallSave = SimWorld::Read(alone.Data() / "quorble.sav");
-  }
-  constexpr int kRounds = 300;
-  int refusals = 0;
-  for (int round = 0; round < kRounds; ++round) {
-    SimWorld world;
-    fs::create_directories(world.Data());
-    SimWorld::Write(world.Root() / "big", big);
-    SimWorld::Write(world.Root() / "small", small);
-    const std::string root = world.Root().string();
-    const auto sim = [&](const std::string& script) {
-      return std::string(QUORBLE_SIM) + " --samples '" + QUORBLE_SAMPLES + "' --cwd '" + root +
-             "/cwd' --docs '" + root + "/docs' '" + root + "/" + script + "' >/dev/null 2>>'" +
-             root + "/err'; echo $? >>'" + root + "/status'";
-    };
-    const std::string both = "(" + sim("big") + ") & (" + sim("small") + ") & wait";
-    ASSERT_EQ(std::system(both.c_str()), 0);
-    // 0: saved; 1: refused, the other copy running; 3: started after the
-    // other had saved, took its game up and ran out of keys.
-    const std::string status = SimWorld::Read(world.Root() / "status");
-    ASSERT_TRUE(status.find_first_not_of("013\n") == std::string::npos) << status;
-    refusals += status.find('1') != std::string::npos;
-    if (status.find('1') != std::string::npos) {
-      EXPECT_NE(SimWorld::Read(world.Root() / "err").find("already running"), std::string::npos);
-    }
-    const std::string saved = SimWorld::Read(world.Data() / "quorble.sav");
-    ASSERT_TRUE(saved == bigSave || saved == smallSave) << "round " << round << ":\n" << saved;
-  }
-  std::printf("%d of %d rounds overlapped and one copy refused\n", refusals, kRounds);
-}
-
 // A link planted under the old temporary name is never followed.
 TEST(Safety, PlantedLinkIsNotFollowed) {
   SimWorld world;
