@@ -96,6 +96,7 @@ TEST(Files, SavedGamesThatCannotBeTrustedAreSetAside) {
       {"extra row of 150", with(21, " 150 "), true},
       {"extra row beyond any game", with(21, " 1000000000 "), true},
       {"extra row without a quorble", with(21, " 100 "), true},
+      {"computers alone", kSaveExample + " 1 \r\n", true},
       {"a full board not finished",
        SaveText(1, 1, {{"Ann", 0, 0, 0, ExampleCells(50)}, {"Bob", 0, 0, 0, ExampleCells(-1)}}),
        true},
