@@ -81,6 +81,27 @@ TEST(ImpactDetector, HearsKnocksWhereAListenerWould) {
   }
 }
 
+// The longest stretch of 5 ms windows below -60 dBFS between the throw's first and last sound.
+int LongestQuietInsideMs(const std::vector<double>& signal) {
+  constexpr size_t kWindow = static_cast<size_t>(kRate) / 200;
+  int quietRun = 0, longest = 0;
+  for (size_t at = 0; at + kWindow < signal.size(); at += kWindow) {
+    double sum = 0;
+    for (size_t i = 0; i < kWindow; ++i) sum += signal[at + i] * signal[at + i];
+    const bool quiet = std::sqrt(sum / kWindow) < 0.001;
+    if (!quiet) longest = std::max(longest, quietRun);
+    quietRun = quiet ? quietRun + 1 : 0;
+  }
+  return longest * 5;
+}
+
+// Each throw is one continuous sound: a pause inside it is heard as a stutter.
+TEST(DiceSamples, EachThrowIsContinuous) {
+  for (int dice = 1; dice <= 5; ++dice) {
+    EXPECT_LE(LongestQuietInsideMs(quorble::sample_files::Values(dice)), 30) << dice << " dice";
+  }
+}
+
 // More dice are heard as more impacts over a longer stretch, and never as a quieter throw.
 TEST(DiceSamples, MoreDiceSoundLikeMoreDice) {
   struct Heard {
