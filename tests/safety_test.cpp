@@ -56,11 +56,14 @@ TEST(Safety, PlantedLinkIsNotFollowed) {
   const fs::path outside = world.Root() / "outside";
   SimWorld::Write(outside, "precious");
   fs::create_directories(world.Data());
-  fs::create_symlink(outside, world.Data() / "quorble.sav.tmp");
-  fs::create_symlink(outside, world.Data() / "quorble.cfg.tmp");
-  ASSERT_EQ(world.Run(NamedGame({"a"}) + "key s\n").status, 0);
+  fs::create_symlink(outside, world.Data() / "quorble.cfg");
+  fs::create_symlink(outside, world.Data() / "quorblelog.txt");
+  SimWorld::Write(world.Data() / "quorble.sav",
+                  SaveText(1, 1, {{"Ann", 0, 2, 1, ExampleCells(-1)}}));
+  // The last row scored ends the game: the log is appended to, the configuration written.
+  const SimRun run = world.Run("key n n\n" + Turn("6 6 6 6 6", 13) + "key f1 esc\n");
+  ASSERT_EQ(run.status, 0) << run.Dump();
   EXPECT_EQ(SimWorld::Read(outside), "precious");
-  EXPECT_FALSE(fs::is_symlink(world.Data() / "quorble.sav"));
   EXPECT_FALSE(fs::is_symlink(world.Data() / "quorble.cfg"));
 }
 
