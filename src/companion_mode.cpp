@@ -4,7 +4,6 @@
 
 #include "companion_text.h"
 #include "gamestate.h"
-#include "prompts.h"
 #include "scoresheet.h"
 
 namespace quorble {
@@ -32,12 +31,7 @@ void Form1::askComputers() {
   // One player alone is a person; there is nothing to ask.
   if (companionMode == Companion::Off || nop < 2) return;
   for (;;) {
-    clk();
-    say2(" How many of them are computer players? ");
-    getkey();
-    if (g == keys::kF1) continue;
-    saykey();
-    const int digit = KeyDigit(g2);
+    const int digit = askDigit(" How many of them are computer players? ");
     if (digit >= 0 && digit < nop) {
       computers = digit;
       return;

@@ -157,6 +157,7 @@ class Form1 : public GameState, private WindowEvents {
   void checkname(int a);
   void GetGame();
   void GetNop();
+  int askDigit(const std::string& prompt);
   void askins();
   void readins();
   void askspekey();

@@ -193,14 +193,21 @@ void Form1::GetGame() {
   }
 }
 
-void Form1::GetNop() {
+// Asks until a key other than F1 comes, and says it; -1 when it is no digit.
+int Form1::askDigit(const std::string& prompt) {
   for (;;) {
     clk();
-    say2(" Press a number for the number of players ");
+    say2(prompt);
     getkey();
     if (g == keys::kF1) continue;
     saykey();
-    nop = KeyDigit(g2);
+    return KeyDigit(g2);
+  }
+}
+
+void Form1::GetNop() {
+  for (;;) {
+    nop = askDigit(" Press a number for the number of players ");
     if (nop < 1 || nop > 9) {
       say2(" Lets try that again please. ");
       continue;
