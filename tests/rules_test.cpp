@@ -6,7 +6,6 @@
 #include <algorithm>
 
 #include "gamestate.h"
-#include "platform/common/rng.h"
 
 namespace quorble {
 namespace {
@@ -46,15 +45,6 @@ TEST(RowValue, EveryHandInEveryOrder) {
       }
     } while (std::next_permutation(faces.begin(), faces.end()));
   }
-}
-
-TEST(Rng, ReseedsAMicrosecondApartDiffer) {
-  Rng a, b;
-  a.Seed(43200.000001);
-  b.Seed(43200.000002);
-  int same = 0;
-  for (int i = 0; i < 20; ++i) same += a.Next() == b.Next() ? 1 : 0;
-  EXPECT_LT(same, 20);
 }
 
 }  // namespace
