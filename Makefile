@@ -4,20 +4,29 @@ BUILD_DIR ?= build
 CMAKE_FLAGS ?=
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-# Debian packages the build, the tests, the package and the game need:
-# compiler and libraries; Xvfb, xdotool and the X fonts SDL's message box
-# draws with for the end-to-end tests;
-# dpkg-dev and file for cpack's dependency list; lintian, desktop-file-utils,
-# appstream and groff-base check the package, menu entry, metainfo and manual;
-# clang and its run-time libraries for the sanitizer build and the fuzzer;
-# libsamplerate for the samples' rate conversion; PulseAudio and its tools for
-# the benchmark's private sound server.
-PACKAGES := g++ cmake make pkg-config libsdl2-dev libespeak-ng-dev espeak-ng-data \
-            libgtest-dev libgmock-dev xvfb xdotool \
-            dpkg-dev file lintian desktop-file-utils appstream groff-base \
-            libspeechd-dev speech-dispatcher speech-dispatcher-espeak-ng \
-            libsamplerate0-dev pulseaudio pulseaudio-utils \
-            libx11-dev xfonts-base clang libclang-rt-14-dev
+# Debian packages, in lists by what needs them. `make run` installs only the
+# first: what building the game and playing it take.
+#   compiler and build tools; SDL2 for the window, keys and sound (and
+#   libx11 for the X connection the game watches itself); espeak-ng and its
+#   voices; libsamplerate for the samples' rate conversion; libpulse for the
+#   sound server; libspeechd for --speech=dispatcher.
+PLAY_PACKAGES := g++ cmake make pkg-config libsdl2-dev libx11-dev \
+                 libespeak-ng-dev espeak-ng-data libsamplerate0-dev libpulse-dev libspeechd-dev
+# `make package`: dpkg-dev and file make cpack's dependency list.
+PACKAGE_PACKAGES := dpkg-dev file
+# `make test` adds the test tools:
+#   GoogleTest; Xvfb, xdotool and the X fonts SDL's message box draws with
+#   for the end-to-end tests; lintian, desktop-file-utils, appstream and
+#   groff-base check the package, menu entry, metainfo and manual;
+#   speech-dispatcher with its espeak-ng module for the dispatcher tests;
+#   PulseAudio and its tools for the private sound servers; clang and its
+#   run-time libraries for the sanitizer build and the fuzzer.
+TEST_PACKAGES := $(PACKAGE_PACKAGES) libgtest-dev libgmock-dev xvfb xdotool xfonts-base \
+                 lintian desktop-file-utils appstream groff-base \
+                 speech-dispatcher speech-dispatcher-espeak-ng pulseaudio pulseaudio-utils \
+                 clang libclang-rt-14-dev
+# The browser build's tools go in a list of their own here, installed by
+# `make web` and by `make test`.
 
 # The sanitizer build and the fuzzer, both with clang.
 ASAN_DIR ?= build-asan
@@ -27,27 +36,26 @@ CLANG_FLAGS := -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DQUORBLE_S
 FUZZ_SEEDS := tests/fuzz/corpus
 FUZZ_FOUND := tests/fuzz/regressions
 
-.PHONY: deps build test run package clean test-asan fuzz fuzz-bounded fuzz-build
+.PHONY: deps deps-play game build test run package clean test-asan fuzz fuzz-bounded fuzz-build
 
-# apt's own progress is left out; its summary of what it fetches and
-# installs, and any error, are shown.
+INSTALL_MISSING := tools/install_packages.sh
+
+# What building and playing need, and no more.
+deps-play:
+	@$(INSTALL_MISSING) $(PLAY_PACKAGES)
+
+# Everything: the game, the package and every test.
 deps:
-	@missing="$$(for p in $(PACKAGES); do \
-	    dpkg-query -W -f='$${Status}\n' $$p 2>/dev/null | grep -q '^install ok installed$$' || echo $$p; \
-	  done)"; \
-	if [ -n "$$missing" ]; then \
-	  echo "Installing:" $$missing; \
-	  sudo=""; [ "$$(id -u)" -eq 0 ] || sudo=sudo; \
-	  status=$$(mktemp); \
-	  $$sudo env DEBIAN_FRONTEND=noninteractive apt-get update -qq && \
-	  { $$sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends \
-	      $$missing 2>&1; echo $$? >"$$status"; } | \
-	    grep --line-buffered -E '^([0-9]+ upgraded|Need to get|E:|W:)'; \
-	  result=$$(cat "$$status"); rm -f "$$status"; exit $${result:-1}; \
-	fi
+	@$(INSTALL_MISSING) $(PLAY_PACKAGES) $(TEST_PACKAGES)
 
+# The game without its tests, so GoogleTest and the rest need not be there.
+game: deps-play
+	cmake -S . -B $(BUILD_DIR) -DQUORBLE_TESTS=OFF $(CMAKE_FLAGS)
+	cmake --build $(BUILD_DIR) -j $(JOBS)
+
+# The game and every test.
 build: deps
-	cmake -S . -B $(BUILD_DIR) $(CMAKE_FLAGS)
+	cmake -S . -B $(BUILD_DIR) -DQUORBLE_TESTS=ON $(CMAKE_FLAGS)
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 
 test: build
@@ -87,11 +95,12 @@ fuzz-bounded: fuzz-build
 	  grep -E "^(stat::|Done|==|SUMMARY|oracle|.*Test unit written)" ; \
 	  test $${PIPESTATUS[0]} -eq 0
 
-run: build
+run: game
 	cd $(BUILD_DIR) && ./quorble
 
 # One .deb in the build folder, for `sudo apt install ./build/quorble_*.deb`.
-package: build
+package: game
+	@$(INSTALL_MISSING) $(PACKAGE_PACKAGES)
 	rm -f $(BUILD_DIR)/quorble_*.deb
 	cd $(BUILD_DIR) && cpack -G DEB
 

@@ -37,8 +37,9 @@ nothing_written() {
 say "the command line"
 [[ "$("$GAME" --version)" == "quorble $VERSION" ]] || fail "--version does not print quorble $VERSION"
 "$GAME" --help >"$WORK/help" || fail "--help did not exit with 0"
-grep -q -e '^Usage: quorble' "$WORK/help" && grep -q -e '--version' "$WORK/help" ||
-  fail "--help prints no usage with its options"
+grep -q -e '^Usage: quorble' "$WORK/help" && grep -q -e '--version' "$WORK/help" &&
+  [[ "$(tail -n 1 "$WORK/help")" == *'man 6 quorble' ]] ||
+  fail "--help prints no usage with its options, or does not end pointing to the manual"
 "$GAME" --no-such-option >"$WORK/out" 2>"$WORK/err"
 status=$?
 ((status == 2)) || fail "an unknown option exited with $status, not 2"

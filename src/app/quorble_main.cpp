@@ -42,9 +42,25 @@ const std::vector<quorble::app::OptionEntry> kOptionTable = {
     quorble::app::CompanionOption("QUORBLE_COMPANION"),
 };
 
+// Enough to start playing from a terminal; the manual has the rest.
+constexpr std::string_view kKeySummary =
+    "\n"
+    "Keys (every prompt is spoken; keep the game's window focused):\n"
+    "  any question   Y or N, or Up/Down and Enter; F1 repeats it;\n"
+    "                 Ctrl speech rate, F12 voice\n"
+    "  roll prompt    R roll, M score board, S save and leave, Escape leave\n"
+    "  dice screen    Up/Down or A to E pick a die, Enter marks it to roll again,\n"
+    "                 U unmarks all, R rolls the marked dice, K keeps them all,\n"
+    "                 S says them\n"
+    "  score board    Up/Down rows, Left/Right sheets, Enter scores, M says the dice\n"
+    "  end of game    F1 scores, F2 the whole scoring, M boards, other keys end\n"
+    "  companion      F5 hint, F6 running totals\n"
+    "\n"
+    "The rules, every key and the game's files: man 6 quorble\n";
+
 std::string Usage() {
   return "Usage: quorble [OPTION]...\n"
-         "Quorble, a dice game played wholly by ear. Its keys are told in quorble(6).\n"
+         "Quorble, a dice game played wholly by ear.\n"
          "\n"
          "Options:\n" +
          quorble::app::OptionHelp(kOptionTable);
@@ -145,7 +161,7 @@ int main(int argc, char** argv) {
     return kBadUsage;
   }
   if (options->Has("--help")) {
-    std::fputs(Usage().c_str(), stdout);
+    std::fputs((Usage() + std::string(kKeySummary)).c_str(), stdout);
     return kSuccess;
   }
   if (options->Has("--version")) {
