@@ -1,7 +1,4 @@
 # The Debian package, made by `make package` (cpack) from the install rules.
-set(QUORBLE_MAINTAINER "Quorble developers <quorble@example.org>"
-  CACHE STRING "Maintainer field of the package")
-
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME quorble)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})

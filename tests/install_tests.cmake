@@ -3,7 +3,7 @@
 
 # The files of an install, each checked by the tool that reads it.
 add_test(NAME desktop_entry_valid
-         COMMAND desktop-file-validate ${CMAKE_BINARY_DIR}/data/quorble.desktop)
+         COMMAND desktop-file-validate ${CMAKE_BINARY_DIR}/data/${QUORBLE_APP_ID}.desktop)
 add_test(NAME metainfo_valid COMMAND appstreamcli validate --no-net
          ${CMAKE_BINARY_DIR}/data/${QUORBLE_APP_ID}.metainfo.xml)
 # groff exits with 0 even when it warns: any word from it is a failure.
@@ -19,7 +19,7 @@ add_test(NAME package_build COMMAND bash -c
 set_tests_properties(package_build PROPERTIES FIXTURES_SETUP package TIMEOUT 300)
 add_test(NAME package_contents COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/package_contents.sh
          ${TEST_PACKAGE_DIR} ${QUORBLE_APP_ID})
-add_test(NAME package_lintian COMMAND bash -c "lintian --fail-on error \"$0\"/quorble_*.deb"
+add_test(NAME package_lintian COMMAND bash -c "lintian --pedantic --fail-on error,warning,pedantic \"$0\"/quorble_*.deb"
          ${TEST_PACKAGE_DIR})
 add_test(NAME installed_game_end_to_end COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/e2e_installed.sh
          ${TEST_PACKAGE_DIR} ${PROJECT_VERSION})

@@ -27,7 +27,7 @@ expected=$(
   printf '%s\n' ./usr/games/quorble \
     ./usr/share/games/quorble/quorble{0..7}.wav ./usr/share/games/quorble/quorble.txt \
     ./usr/share/games/quorble/quorble-strategy.bin \
-    ./usr/share/applications/quorble.desktop \
+    "./usr/share/applications/$APP_ID.desktop" \
     "./usr/share/metainfo/$APP_ID.metainfo.xml" \
     "./usr/share/icons/hicolor/scalable/apps/$APP_ID.svg" \
     ./usr/share/man/man6/quorble.6.gz \
