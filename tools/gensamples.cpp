@@ -13,8 +13,6 @@
 #include <iostream>
 #include <numbers>
 #include <string>
-#include <tuple>
-#include <utility>
 #include <vector>
 
 #include "file_names.h"
@@ -26,10 +24,10 @@ namespace {
 constexpr int kSampleRate = 22050;
 constexpr double kTwoPi = 2.0 * std::numbers::pi;
 
-// The game plays quorble5.wav from this byte offset on as its own start-up sound, so the
-// five-dice layout is anchored here: the impacts are over and the gentle settling begins.
-constexpr int kTailOffsetBytes = quorble::file_names::kSettlingTailOffset;
-constexpr int kTailStartSample = kTailOffsetBytes / 2;
+// The game plays quorble5.wav from this byte of its sound data on (a buffer's offset, not the
+// file's) as its own start-up sound, so the five-dice layout is anchored here: the last die is
+// still rolling and its knock is to come.
+constexpr int kTailStartSample = quorble::file_names::kSettlingTailOffset / 2;
 
 // Positions in a signal are counted in int, as SamplesFor gives them; the one
 // conversion to the vector's index is here, at its edge.
@@ -115,9 +113,9 @@ void ApplyFades(Signal& signal, double fadeInSeconds, double fadeOutSeconds) {
   }
 }
 
-// The integrated loudness of the engine's default voice as the game plays it: every sample
-// is brought to it, the dice throws to within half a unit of it, so no cue is buried under
-// speech or jumps out of it.
+// The integrated loudness every sound of the game is brought to: each sample here, the dice
+// throws to within half a unit, and each voice by its own gain, so no cue is buried under
+// speech or jumps out of it, and no player is heard louder than another.
 constexpr double kSpeechLufs = -21.0;
 // Headroom kept above any peak, so that a sample mixed with speech doesn't clip.
 constexpr double kHighestPeakDbfs = -1.0;
@@ -128,56 +126,21 @@ double PeakOf(const Signal& signal) {
   return peak;
 }
 
-// Rounds off what rises above `knee`: below it nothing changes, above it values approach
-// twice the knee.
-void SoftenAbove(Signal& signal, double knee) {
-  for (double& value : signal) {
-    const double size = std::abs(value);
-    if (size <= knee) continue;
-    value = std::copysign(knee + knee * std::tanh((size - knee) / knee), value);
-  }
-}
-
-// Brings the signal to `lufs`, or as near as the headroom allows; returns the loudness reached.
-double NormalizeLoudness(Signal& signal, double lufs = kSpeechLufs) {
+// Brings the signal to `lufs`, or as near as the headroom allows: nothing is ever rounded off
+// to get there, since that is heard as a crackle on every knock.
+void NormalizeLoudness(Signal& signal, double lufs = kSpeechLufs) {
   const double peak = PeakOf(signal);
-  if (peak == 0.0) return -70.0;
+  if (peak == 0.0) return;
   const double before = quorble::loudness::IntegratedLoudness(signal, kSampleRate);
   const double gainDb = std::min(lufs - before, kHighestPeakDbfs - 20.0 * std::log10(peak));
   for (double& value : signal) value *= DbToGain(gainDb);
-  return before + gainDb;
-}
-
-// A throw's few sharpest knocks alone would hold it below `lufs` for want of headroom, so they
-// are rounded off: as little as gets it there, the knee found by halving the range it lies in.
-void BringThrowTo(Signal& signal, double lufs) {
-  constexpr double kCloseEnough = 0.01;
-  Signal best = signal;
-  if (NormalizeLoudness(best, lufs) >= lufs - kCloseEnough) {
-    signal = std::move(best);
-    return;
-  }
-  const double peak = PeakOf(signal);
-  double lowKnee = 0.05, highKnee = 1.0;  // fractions of the peak; the high one falls short
-  for (int step = 0; step < 12; ++step) {
-    const double knee = 0.5 * (lowKnee + highKnee);
-    Signal trial = signal;
-    SoftenAbove(trial, knee * peak);
-    if (NormalizeLoudness(trial, lufs) >= lufs - kCloseEnough) {
-      lowKnee = knee;
-      best = std::move(trial);
-    } else {
-      highKnee = knee;
-    }
-  }
-  signal = std::move(best);
 }
 
 // ---------------------------------------------------------------------------------------------
 // Dice
 
-// Each die keeps its own resonances through all its bounces, which is what lets the ear follow
-// several dice at once.
+// Each die keeps its own resonances, in its landing, its roll and its knock, which is what lets
+// the ear follow several dice at once.
 struct DieVoice {
   std::array<double, 3> modeHz;
   double knockHz;
@@ -200,203 +163,114 @@ double SignedRange(Rng& rng, double low, double high) {
   return sign * rng.Range(low, high);
 }
 
-// One hit: a noise "tk", the die's own ringing, and `thump` of the table's body (soft
-// touches barely move the table).
+// One hit: a noise "tk", the die's own ringing, and `thump` of the table's body.
 void AddClack(Signal& out, int start, const DieVoice& voice, double strength, double thump,
               Rng& rng) {
   BandPass knock(voice.knockHz, 0.9);
   const int burst = SamplesFor(0.005);
   for (int i = 0; i < burst && start + i < static_cast<int>(out.size()); ++i) {
     const double envelope = std::exp(-static_cast<double>(i) / SamplesFor(0.0008));
-    out[start + i] += 0.9 * strength * envelope * knock.Process(rng.Range(-1, 1));
+    out[start + i] += 0.6 * strength * envelope * knock.Process(rng.Range(-1, 1));
   }
   for (double mode : voice.modeHz) {
-    // Which face or edge lands changes the balance of modes from one bounce to the next; each
-    // mode rings for about 18 of its own cycles, so the higher ones die away first.
+    // Each mode rings for about 18 of its own cycles, so the higher ones die away first.
     AddDampedSine(out, start, mode, strength * SignedRange(rng, 0.15, 0.35), 18.0 / mode);
   }
   for (double mode : kTableModesHz) {
-    AddDampedSine(out, start, mode, thump * strength * SignedRange(rng, 0.25, 0.4), 0.022);
+    AddDampedSine(out, start, mode, thump * strength * SignedRange(rng, 0.25, 0.4), 0.05);
   }
 }
 
-// The bounces of a dropped die, in samples after it first lands: each bounce loses height, so
-// both the gap before the next one and the loudness shrink geometrically. The last entry is
-// where it comes to lie, with no knock of its own.
-struct Bounce {
-  int offset;
-  double amplitude;
-};
-
-std::vector<Bounce> BouncesOfADrop(double strength, Rng& rng) {
-  std::vector<Bounce> bounces;
-  double gapSeconds = rng.Range(0.10, 0.13);
-  double amplitude = strength;
-  int offset = 0;
-  while (gapSeconds > 0.014) {
-    bounces.push_back({offset, amplitude});
-    offset += SamplesFor(gapSeconds);
-    gapSeconds *= rng.Range(0.48, 0.58);
-    amplitude *= rng.Range(0.5, 0.6);
-  }
-  bounces.push_back({offset, 0.0});
-  return bounces;
-}
-
-// A die rocking on an edge: ever quicker, ever softer ticks, paced so that the series fills
-// the time up to `end`, neither cut off mid-rock nor leaving a pause before it.
-void AddRockingDie(Signal& out, int start, int end, const DieVoice& voice, double strength,
-                   Rng& rng) {
-  constexpr double kLastGapSeconds = 0.01;
-  const double availableSeconds = static_cast<double>(end - start) / kSampleRate;
-  const double firstGap = std::min(rng.Range(0.09, 0.12), 0.26 * availableSeconds);
-  // The gaps above the last one add up to (first - last) / (1 - shrink).
-  const double shrink = std::max(0.74, 1.0 - (firstGap - kLastGapSeconds) / availableSeconds);
-  // The ticks fade by about 12 dB over the series, however many there are.
-  const double ticks = std::log(kLastGapSeconds / firstGap) / std::log(shrink);
-  const double fade = std::pow(0.25, 1.0 / std::max(1.0, ticks));
-  double gapSeconds = firstGap;
-  double amplitude = strength;
-  for (int at = start; at < end && gapSeconds > kLastGapSeconds; at += SamplesFor(gapSeconds)) {
-    AddClack(out, at, voice, amplitude, 0.3, rng);
-    gapSeconds *= shrink;
-    amplitude *= fade * rng.Range(0.97, 1.03);
+// A die's final knock, as it tips flat: a full clack whose peak is `peak` whichever way its
+// modes happen to meet, so that every die is heard as clearly as the others.
+void AddKnock(Signal& out, int start, const DieVoice& voice, double peak, Rng& rng) {
+  Signal knock(SamplesFor(0.4), 0.0);
+  AddClack(knock, 0, voice, 1.0, 1.0, rng);
+  const double scale = peak / PeakOf(knock);
+  for (int i = 0; i < static_cast<int>(knock.size()) && start + i < static_cast<int>(out.size());
+       ++i) {
+    out[start + i] += scale * knock[i];
   }
 }
 
-// Only bounces this loud, against the die's first landing, stand out of a throw; the softer
-// ones blur into its rattle wherever they fall.
-constexpr double kProminentBounce = 0.4;
-// Two knocks closer than this fuse into one to the ear.
-constexpr int kEarResolution = kSampleRate / 20;
-
-// A die thrown a little higher or lower bounces with longer or shorter gaps. The throw as
-// drawn is tried first, the highest last.
-constexpr std::array<double, 5> kHeights = {1.0, 0.9, 1.1, 0.8, 1.2};
-
-std::vector<Bounce> Thrown(std::vector<Bounce> bounces, double height) {
-  for (Bounce& bounce : bounces) {
-    bounce.offset = static_cast<int>(std::lround(bounce.offset * height));
+// A die rolling over the table: its faces meet the wood quicker than the ear can count, so it
+// is heard as one rough rustle in its own colour, never as knocks of its own that would spoil
+// the count. It swells in, softens as the die slows, and hands over to the die's final knock.
+void AddRoll(Signal& out, int from, int to, const DieVoice& voice, double level, Rng& rng) {
+  BandPass body(voice.modeHz[0], 2.0);
+  BandPass faces(voice.knockHz, 0.8);
+  const double flutterHz = rng.Range(30.0, 36.0);
+  double phase = rng.Range(0.0, kTwoPi);
+  const int length = to - from;
+  const int handOver = SamplesFor(0.01);
+  for (int i = 0; i < length; ++i) {
+    const double progress = static_cast<double>(i) / length;
+    const double envelope =
+        SmoothStep(progress / 0.2) * (1.0 - 0.5 * progress) *
+        (1.0 - SmoothStep(static_cast<double>(i - (length - handOver)) / handOver));
+    phase += kTwoPi * flutterHz / kSampleRate;
+    const double flutter = 0.7 + 0.3 * std::sin(phase);
+    const double noise = rng.Range(-1.0, 1.0);
+    out[from + i] +=
+        level * envelope * flutter * (body.Process(noise) + 0.6 * faces.Process(noise));
   }
-  return bounces;
 }
 
-// The gap between the nearest prominent bounce of a die dropped at `at` and any knock heard so
-// far, capped at what the ear resolves.
-int NearestKnock(const std::vector<int>& heard, const std::vector<Bounce>& bounces, int at) {
-  int nearest = kEarResolution;
-  for (const Bounce& bounce : bounces) {
-    if (bounce.amplitude < kProminentBounce * bounces.front().amplitude) continue;
-    for (int knock : heard) nearest = std::min(nearest, std::abs(at + bounce.offset - knock));
+// The first die comes to rest this long after the throw lands.
+constexpr double kFirstRestSeconds = 0.22;
+// The last knock of five dice comes this long after the start-up sound's offset, so that
+// sound begins in the last die's roll and holds its knock alone.
+constexpr double kLastKnockAfterTailSeconds = 0.025;
+// After the last knock, time for its ring to die away and no more.
+constexpr double kRingSeconds = 0.14;
+
+// The dice come to rest one after another, each with a knock of its own, far enough apart to
+// be counted: about eight a second, slow enough that five are not heard as a blur. More dice
+// roll a little longer before the first rests.
+std::vector<int> KnockTimes(int dice, Rng& rng) {
+  const double lastOfFive =
+      static_cast<double>(kTailStartSample) / kSampleRate + kLastKnockAfterTailSeconds;
+  double at = kFirstRestSeconds + (lastOfFive - kFirstRestSeconds) * (dice - 1) / 4.0;
+  std::vector<int> knocks(static_cast<size_t>(dice));
+  for (int die = dice - 1; die >= 0; --die) {
+    knocks[static_cast<size_t>(die)] = SamplesFor(at);
+    at -= rng.Range(0.115, 0.135);
   }
-  return nearest;
+  return knocks;
 }
 
-// The earliest moment within [from, to], and the height, at which a die lands clear of the
-// knocks already heard, or failing one, the clearest.
-std::pair<int, std::vector<Bounce>> ClearestDrop(const std::vector<int>& heard,
-                                                 const std::vector<Bounce>& bounces, int from,
-                                                 int to) {
-  std::pair<int, std::vector<Bounce>> best = {from, bounces};
-  int bestGap = -1;
-  for (int at = from; at <= to && bestGap < kEarResolution; at += SamplesFor(0.002)) {
-    for (double height : kHeights) {
-      std::vector<Bounce> thrown = Thrown(bounces, height);
-      const int gap = NearestKnock(heard, thrown, at);
-      if (gap > bestGap) best = {at, std::move(thrown)}, bestGap = gap;
-      if (gap >= kEarResolution) break;
-    }
-  }
-  return best;
-}
-
-// Every die dropped in turn, each where its landing and first bounce are heard apart from the
-// knocks of the dice before it, all down by `lastRest`. Returns where each one comes to lie.
-std::vector<int> DropDice(Signal& impacts, const std::vector<DieVoice>& voices, int lastRest,
-                          Rng& rng) {
-  std::vector<std::vector<Bounce>> drops;
-  for (size_t die = 0; die < voices.size(); ++die) {
-    drops.push_back(BouncesOfADrop(die == 0 ? 1.0 : rng.Range(0.75, 0.95), rng));
-  }
-  const int first = SamplesFor(0.01);
-  const int span = lastRest - drops.back().back().offset - first;
-  const int slot = voices.size() > 1 ? span / static_cast<int>(voices.size() - 1) : 0;
-  std::vector<int> heard, rests;
-  int dropAt = first;
-  for (size_t die = 0; die < voices.size(); ++die) {
-    if (die > 0) {
-      const int centre = first + slot * static_cast<int>(die);
-      const int from = std::max(dropAt + kEarResolution, centre - slot / 2);
-      const int longest = Thrown(drops[die], kHeights.back()).back().offset;  // highest throw
-      const int to = std::min(centre + slot / 2, lastRest - longest);
-      std::tie(dropAt, drops[die]) = ClearestDrop(heard, drops[die], from, std::max(from, to));
-    }
-    for (auto bounce = drops[die].begin(); bounce + 1 != drops[die].end(); ++bounce) {
-      AddClack(impacts, dropAt + bounce->offset, voices[die], bounce->amplitude, 1.0, rng);
-      if (bounce->amplitude >= kProminentBounce * drops[die].front().amplitude)
-        heard.push_back(dropAt + bounce->offset);
-    }
-    rests.push_back(dropAt + drops[die].back().offset);
-    // Dice landing among dice already down knock against them: small, bright, no body.
-    if (die > 0) AddClack(impacts, rests.back(), voices[die - 1], 0.25, 0.0, rng);
-  }
-  return rests;
-}
-
-// Each die rocks from where it lands, while the others still fall: the throw is heard as one
-// continuous sound, with no pause between the falling and the settling. Then the dice tip
-// flat one after the other, each with a knock of its own, the last one a little before the
-// end: a throw of more dice is heard settling for longer.
-Signal SettleDice(const std::vector<DieVoice>& voices, const std::vector<int>& landings,
-                  int settleAt, int length, Rng& rng) {
-  Signal settling(length, 0.0);
-  std::vector<int> flat(voices.size(), length - SamplesFor(0.06));
-  for (size_t die = voices.size() - 1; die > 0; --die) {
-    flat[die - 1] = flat[die] - SamplesFor(rng.Range(0.06, 0.09));
-  }
-  // The rattles of all dice together stay half as loud as one tip, so they never drown a
-  // bounce or a tip.
-  const double rattle = 0.5 / std::sqrt(static_cast<double>(voices.size()));
-  for (size_t die = 0; die < voices.size(); ++die) {
-    const double strength = rng.Range(0.2, 0.26);
-    const int start = std::min(landings[die] + SamplesFor(0.02), settleAt);
-    AddRockingDie(settling, start, flat[die], voices[die], rattle * strength, rng);
-    AddClack(settling, flat[die], voices[die], strength, 0.5, rng);
-  }
-  // A dip of a few milliseconds at the settle point, too short to hear as a pause, lets a
-  // player started there begin in silence.
+// A dip of a few milliseconds, too short to hear as a pause, lets a player started at `at`
+// begin in silence.
+void DipAt(Signal& signal, int at) {
   const int dip = SamplesFor(0.004);
-  for (int i = std::max(0, settleAt - dip); i < std::min(length, settleAt + dip); ++i) {
-    settling[i] *= SmoothStep(std::abs(i - settleAt) / static_cast<double>(dip));
+  for (int i = std::max(0, at - dip); i < std::min(static_cast<int>(signal.size()), at + dip);
+       ++i) {
+    signal[i] *= SmoothStep(std::abs(i - at) / static_cast<double>(dip));
   }
-  return settling;
 }
 
-// Impacts up to a settle point, then a separate, quiet settling layer. The impacts are faded
-// to exact silence at the settle point, so a player started there begins cleanly: on five
-// dice what is heard from there on is the start-up sound of its own.
+// The dice strike the table together in a burst too quick to count, roll, and come to rest
+// one by one, each with a clear knock: the number of dice is heard in the knocks.
 Signal MakeDice(int dice) {
   Rng rng(0x51CE0000ULL + static_cast<uint64_t>(dice));
-  const int settleAt = kTailStartSample - (5 - dice) * SamplesFor(0.14);
-  const int settleLength = SamplesFor(0.25 + 0.11 * (dice - 1));
-  const int length = settleAt + settleLength;
-
   std::vector<DieVoice> voices;
   for (int die = 0; die < dice; ++die) voices.push_back(MakeDieVoice(rng));
-
-  Signal impacts(length, 0.0);
-  const std::vector<int> landings = DropDice(impacts, voices, settleAt - SamplesFor(0.06), rng);
-  const int fade = SamplesFor(0.04);
-  for (int i = settleAt - fade; i < length; ++i) {
-    impacts[i] *= 1.0 - SmoothStep(static_cast<double>(i - (settleAt - fade)) / fade);
+  const std::vector<int> knocks = KnockTimes(dice, rng);
+  Signal out(knocks.back() + SamplesFor(kRingSeconds), 0.0);
+  const int landing = SamplesFor(0.005);
+  for (size_t die = 0; die < voices.size(); ++die) {
+    const int at = landing + SamplesFor(rng.Range(0.0, 0.025));
+    AddClack(out, at, voices[die], rng.Range(0.1, 0.14), 0.6, rng);
+    // However many dice roll, together they rustle as loud, well below the knocks.
+    AddRoll(out, at, knocks[die], voices[die], 0.16 / std::sqrt(static_cast<double>(dice)), rng);
+    AddKnock(out, knocks[die], voices[die], rng.Range(0.9, 1.0), rng);
   }
-  const Signal settling = SettleDice(voices, landings, settleAt, length, rng);
-  for (int i = 0; i < length; ++i) impacts[i] += settling[i];
-  ApplyFades(impacts, 0.002, 0.03);
+  if (dice == 5) DipAt(out, kTailStartSample);
+  ApplyFades(out, 0.002, 0.03);
   // Each die more makes the throw a shade louder, so more dice are never heard as quieter;
-  // all stay within half a loudness unit of speech.
-  BringThrowTo(impacts, kSpeechLufs + 0.25 * (dice - 3));
-  return impacts;
+  // one or two dice, held back by their single knocks' peaks, fall a little short of it.
+  NormalizeLoudness(out, kSpeechLufs + 0.25 * (dice - 3));
+  return out;
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -34,33 +34,44 @@ inline std::vector<double> FrameEnergiesDb(const std::vector<double>& signal, do
   return energies;
 }
 
-// The times, in seconds from the start, at which the impacts begin.
-inline std::vector<double> Onsets(const std::vector<double>& signal, double rate,
-                                  const Settings& settings = {}) {
+// The mean power, in dB, of the `past` frames before `frame`: what a new frame is heard against.
+inline double PastDb(const std::vector<double>& energies, size_t frame, size_t past) {
+  double power = 0;
+  for (size_t i = frame > past ? frame - past : 0; i < frame; ++i) {
+    power += std::pow(10.0, energies[i] / 10.0);
+  }
+  power /= static_cast<double>(past);
+  return power > 1e-20 ? 10.0 * std::log10(power) : -200.0;
+}
+
+struct Impact {
+  double seconds;  // where it begins
+  double db;       // its loudest frame before the next could begin, as FrameEnergiesDb gives it
+};
+
+// The impacts heard, in order.
+inline std::vector<Impact> Impacts(const std::vector<double>& signal, double rate,
+                                   const Settings& settings = {}) {
   const std::vector<double> energies = FrameEnergiesDb(signal, rate, settings);
   if (energies.empty()) return {};
   const double loudest = *std::max_element(energies.begin(), energies.end());
   const double frameSeconds = std::floor(settings.frameSeconds * rate) / rate;
   const auto past = std::max<size_t>(1, static_cast<size_t>(settings.pastSeconds / frameSeconds));
-  std::vector<double> onsets;
+  const auto fused =
+      std::max<size_t>(1, static_cast<size_t>(settings.minGapSeconds / frameSeconds));
+  std::vector<Impact> impacts;
   for (size_t frame = 0; frame < energies.size(); ++frame) {
-    double pastPower = 0;
-    const size_t from = frame > past ? frame - past : 0;
-    for (size_t i = from; i < frame; ++i) pastPower += std::pow(10.0, energies[i] / 10.0);
-    pastPower /= static_cast<double>(past);
-    const double pastDb = pastPower > 1e-20 ? 10.0 * std::log10(pastPower) : -200.0;
     const double at = static_cast<double>(frame) * frameSeconds;
     const bool audible = energies[frame] >= loudest + settings.floorDb;
-    const bool rises = energies[frame] - pastDb >= settings.riseDb;
-    const bool apart = onsets.empty() || at - onsets.back() >= settings.minGapSeconds;
-    if (audible && rises && apart) onsets.push_back(at);
+    const bool rises = energies[frame] - PastDb(energies, frame, past) >= settings.riseDb;
+    const bool apart = impacts.empty() || at - impacts.back().seconds >= settings.minGapSeconds;
+    if (!(audible && rises && apart)) continue;
+    const auto end =
+        energies.begin() + static_cast<std::ptrdiff_t>(std::min(energies.size(), frame + fused));
+    impacts.push_back(
+        {at, *std::max_element(energies.begin() + static_cast<std::ptrdiff_t>(frame), end)});
   }
-  return onsets;
-}
-
-// From the first impact to the last.
-inline double Spread(const std::vector<double>& onsets) {
-  return onsets.empty() ? 0.0 : onsets.back() - onsets.front();
+  return impacts;
 }
 
 }  // namespace quorble::impacts
