@@ -11,16 +11,24 @@
 namespace quorble::desktop {
 namespace {
 
-// Each told apart from every other at once, by pitch, timbre or accent
-// (measured by the voice list test), in a fixed order; the first is the
-// engine's own default. The game never offers the last one in its voice
-// dialogue, so nine make eight to choose from.
+// In a fixed order, the first being the engine's own default. No two lie within two semitones
+// of each other's median pitch, so each player is told apart at once (the voice list test
+// measures it); accents and variants add to that. The game never offers the last one in its
+// voice dialogue, so nine make eight to choose from; computer players may have it.
+//
+// Each gain brings its voice to the loudness the samples are made at, as the game's prompts
+// measure it: otherwise one player would be heard up to 5 LU louder than another. The voice
+// list test prints the gain each voice needs.
 constexpr std::array kVoices{
-    VoiceChoice{"en-us", 50},          VoiceChoice{"en-us+f3", 50},
-    VoiceChoice{"gmw/en+m1", 25},      VoiceChoice{"gmw/en+f4", 50},
-    VoiceChoice{"en-gb-scotland", 75}, VoiceChoice{"en-029+f2", 85},
-    VoiceChoice{"en-gb-x-rp+m7", 50},  VoiceChoice{"en-us-nyc+f5", 50},
-    VoiceChoice{"en-us+m3", 65},
+    VoiceChoice{"en-us", 50, -0.1},
+    VoiceChoice{"en-us+f3", 50, -0.6},
+    VoiceChoice{"gmw/en+m1", 25, 1.6},
+    VoiceChoice{"gmw/en+f4", 50, -1.8},
+    VoiceChoice{"en-gb-scotland", 75, -1.9},
+    VoiceChoice{"en-029+f2", 85, -3.7},
+    VoiceChoice{"en-gb-x-rp+m7", 25, -0.5},
+    VoiceChoice{"en-us-nyc+f5", 65, -1.0},
+    VoiceChoice{"en-gb-x-gbcwmd+f2", 20, -1.7},
 };
 
 constexpr int kNormalWordsPerMinute = 175;
@@ -41,9 +49,7 @@ struct SynthJob {
 int OnSynth(short* pcm, int count, espeak_EVENT* events) {
   if (pcm == nullptr || count <= 0 || events == nullptr) return 0;
   auto& job = *static_cast<SynthJob*>(events->user_data);
-  job.scaled.resize(static_cast<size_t>(count));
-  std::transform(pcm, pcm + count, job.scaled.begin(),
-                 [&job](short value) { return static_cast<int16_t>(value * job.gain); });
+  Scale({pcm, static_cast<size_t>(count)}, job.gain, job.scaled);
   // Refused means purged: returning 1 stops the rest of this text at once.
   return job.mixer.PushSpeech(job.scaled.data(), count, job.generation) ? 0 : 1;
 }
@@ -83,6 +89,18 @@ std::string EngineText(const std::string& text) {
 }
 
 std::span<const VoiceChoice> VoiceChoices() { return kVoices; }
+
+float OutputGain(const VoiceChoice& voice, int volume) {
+  return static_cast<float>(std::clamp(volume, 0, 100) / 100.0 *
+                            std::pow(10.0, voice.gainDb / 20.0));
+}
+
+void Scale(std::span<const short> pcm, float gain, std::vector<int16_t>& out) {
+  out.resize(pcm.size());
+  std::transform(pcm.begin(), pcm.end(), out.begin(), [gain](short value) {
+    return static_cast<int16_t>(std::clamp(std::lround(value * gain), -32768L, 32767L));
+  });
+}
 
 int WordsPerMinute(int rate) {
   const double wordsPerMinute = kNormalWordsPerMinute * std::pow(3.0, rate / 10.0);
@@ -201,8 +219,7 @@ void SpeechEngine::Say(const Utterance& utterance, uint64_t generation) {
   // The pitch outlives a change of voice in the engine: set it every time.
   espeak_SetParameter(espeakPITCH, voice.pitch, 0);
   espeak_SetParameter(espeakRATE, utterance.wordsPerMinute, 0);
-  SynthJob job{
-      *mixer_, generation, static_cast<float>(std::clamp(utterance.volume, 0, 100)) / 100.0f, {}};
+  SynthJob job{*mixer_, generation, OutputGain(voice, utterance.volume), {}};
   const std::string text = EngineText(utterance.text);
   espeak_Synth(text.c_str(), text.size() + 1, 0, POS_CHARACTER, 0,
                espeakCHARS_AUTO | espeakSSML | espeakENDPAUSE, nullptr, &job);

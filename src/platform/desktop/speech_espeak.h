@@ -32,14 +32,20 @@ int WordsPerMinute(int rate);
 // the article.
 std::string EngineText(const std::string& text);
 
-// An espeak-ng voice (with its variant) and the base pitch it speaks at,
-// 0 to 100 on the engine's scale.
+// An espeak-ng voice (with its variant), the base pitch it speaks at, 0 to
+// 100 on the engine's scale, and the gain that makes it as loud as the rest.
 struct VoiceChoice {
   const char* name;
   int pitch;
+  double gainDb;
 };
 // The voices offered, in the order of the game's voice numbers.
 std::span<const VoiceChoice> VoiceChoices();
+
+// The factor a voice's PCM is heard at, at a volume from 0 to 100.
+float OutputGain(const VoiceChoice& voice, int volume);
+// `pcm` times `gain` into `out`, held within 16 bits rather than wrapping.
+void Scale(std::span<const short> pcm, float gain, std::vector<int16_t>& out);
 
 struct Utterance {
   std::string text;
