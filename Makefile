@@ -25,8 +25,16 @@ TEST_PACKAGES := $(PACKAGE_PACKAGES) libgtest-dev libgmock-dev xvfb xdotool xfon
                  lintian desktop-file-utils appstream groff-base \
                  speech-dispatcher speech-dispatcher-espeak-ng pulseaudio pulseaudio-utils \
                  clang libclang-rt-14-dev
-# The browser build's tools go in a list of their own here, installed by
-# `make web` and by `make test`.
+# `make web` and `make test`: the browser build and its tests, with Debian's
+# emscripten (which brings clang, binaryen and node-acorn) and Chromium.
+# node and npm come from Debian only where the machine has none: a newer
+# node installed another way carries its own npm, which Debian's would
+# conflict with.
+WEB_PACKAGES := emscripten chromium
+WEB_DIR ?= build-web
+WEB_PORT ?= 8000
+# emcc's own scripts look for Debian's node modules here.
+EMSCRIPTEN_ENV := NODE_PATH=/usr/share/nodejs
 
 # The sanitizer build and the fuzzer, both with clang.
 ASAN_DIR ?= build-asan
@@ -36,7 +44,8 @@ CLANG_FLAGS := -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ -DQUORBLE_S
 FUZZ_SEEDS := tests/fuzz/corpus
 FUZZ_FOUND := tests/fuzz/regressions
 
-.PHONY: deps deps-play game build test run package clean test-asan fuzz fuzz-bounded fuzz-build
+.PHONY: deps deps-play deps-web game build web web-run test run package clean test-asan fuzz \
+        fuzz-bounded fuzz-build
 
 INSTALL_MISSING := tools/install_packages.sh
 
@@ -48,17 +57,39 @@ deps-play:
 deps:
 	@$(INSTALL_MISSING) $(PLAY_PACKAGES) $(TEST_PACKAGES)
 
+deps-web:
+	@command -v node >/dev/null && command -v npm >/dev/null || $(INSTALL_MISSING) nodejs npm
+	@$(INSTALL_MISSING) $(WEB_PACKAGES)
+	@# npm ci again only when the lock file changed since the last install.
+	@cmp -s package-lock.json node_modules/.quorble-lock 2>/dev/null || \
+	  { npm ci --no-audit --no-fund --loglevel=error && cp package-lock.json node_modules/.quorble-lock; }
+
 # The game without its tests, so GoogleTest and the rest need not be there.
 game: deps-play
 	cmake -S . -B $(BUILD_DIR) -DQUORBLE_TESTS=OFF $(CMAKE_FLAGS)
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 
-# The game and every test.
+# The game and every test; the browser tests play the site `make web` builds.
 build: deps
-	cmake -S . -B $(BUILD_DIR) -DQUORBLE_TESTS=ON $(CMAKE_FLAGS)
+	cmake -S . -B $(BUILD_DIR) -DQUORBLE_TESTS=ON -DQUORBLE_WEB_SITE=$(CURDIR)/$(WEB_DIR)/site \
+	  $(CMAKE_FLAGS)
 	cmake --build $(BUILD_DIR) -j $(JOBS)
 
-test: build
+# The site in $(WEB_DIR)/site, for any static web host. The samples and the
+# companion's table are made by the tools of the build for this machine,
+# which is set up here only when there is none yet.
+web: deps-play deps-web
+	test -f $(BUILD_DIR)/CMakeCache.txt || cmake -S . -B $(BUILD_DIR) -DQUORBLE_TESTS=OFF $(CMAKE_FLAGS)
+	cmake --build $(BUILD_DIR) -j $(JOBS) --target samples strategy_table
+	$(EMSCRIPTEN_ENV) emcmake cmake -S . -B $(WEB_DIR) -DCMAKE_BUILD_TYPE=Release \
+	  -DQUORBLE_HOST_BUILD=$(CURDIR)/$(BUILD_DIR) $(CMAKE_FLAGS) >/dev/null
+	$(EMSCRIPTEN_ENV) cmake --build $(WEB_DIR) -j $(JOBS)
+
+web-run: web
+	@echo "Quorble is served on http://127.0.0.1:$(WEB_PORT)/ (Ctrl+C stops it)"
+	cd $(WEB_DIR)/site && python3 -m http.server --bind 127.0.0.1 $(WEB_PORT)
+
+test: build web
 	cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
 	@if command -v clang++ >/dev/null; then $(MAKE) --no-print-directory fuzz-bounded; \
 	 else echo "clang++ missing: the fuzzer's bounded run is skipped"; fi
@@ -105,4 +136,4 @@ package: game
 	cd $(BUILD_DIR) && cpack -G DEB
 
 clean:
-	rm -rf $(BUILD_DIR) $(ASAN_DIR) $(FUZZ_DIR)
+	rm -rf $(BUILD_DIR) $(ASAN_DIR) $(FUZZ_DIR) $(WEB_DIR)

@@ -3,8 +3,11 @@
 # install it). Optimisation and debug information stay the build type's.
 # _FORTIFY_SOURCE works only in an optimised build, and the sanitizers'
 # own checks would not see the fortified calls, so those builds go without.
+# They are for the machine's own code, not WebAssembly: its return
+# addresses lie out of reach of the program's memory, and its linker has
+# no relocation guards to give.
 find_program(DPKG_BUILDFLAGS dpkg-buildflags)
-if(NOT DPKG_BUILDFLAGS)
+if(NOT DPKG_BUILDFLAGS OR EMSCRIPTEN)
   return()
 endif()
 

@@ -2,11 +2,11 @@
 // as a 32-bit float, and a checksum of all that comes before it, all little
 // endian. The checksum lets a damaged or foreign file be told from a table,
 // so the game falls back rather than playing on nonsense.
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 
+#include "bit_copy.h"
 #include "companion/value_table.h"
 
 namespace quorble::companion {
@@ -46,7 +46,7 @@ std::string SerializeValueTable(const ValueTable& table) {
   const auto& values = table.Values();
   std::string out(kMagic, sizeof kMagic);
   PutLittleEndian(out, values.size(), 4);
-  for (float value : values) PutLittleEndian(out, std::bit_cast<std::uint32_t>(value), 4);
+  for (float value : values) PutLittleEndian(out, BitCopy<std::uint32_t>(value), 4);
   PutLittleEndian(out, Checksum(out, out.size()), kChecksumBytes);
   return out;
 }
@@ -61,7 +61,7 @@ std::shared_ptr<const ValueTable> ParseValueTable(const std::string& bytes) {
   std::vector<float> values(states);
   for (std::size_t i = 0; i < states; ++i) {
     const auto raw = static_cast<std::uint32_t>(GetLittleEndian(bytes, kHeaderBytes + 4 * i, 4));
-    const float value = std::bit_cast<float>(raw);
+    const float value = BitCopy<float>(raw);
     if (!std::isfinite(value) || value < 0.0f || value > kWorthCeiling) return nullptr;
     values[i] = value;
   }

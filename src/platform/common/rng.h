@@ -2,16 +2,17 @@
 // reading whose every bit counts, so two reseeds a microsecond apart differ.
 #pragma once
 
-#include <bit>
 #include <cstdint>
 #include <random>
+
+#include "bit_copy.h"
 
 namespace quorble {
 
 class Rng {
  public:
   void Seed(double seed) {
-    const auto bits = std::bit_cast<std::uint64_t>(seed);
+    const auto bits = BitCopy<std::uint64_t>(seed);
     std::seed_seq sequence{static_cast<std::uint32_t>(bits),
                            static_cast<std::uint32_t>(bits >> 32)};
     generator_.seed(sequence);

@@ -5,11 +5,11 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <functional>
 #include <stdexcept>
 
 #include "platform/common/disk.h"
+#include "platform/common/local_clock.h"
 #include "platform/desktop/keymap.h"
 #include "platform/desktop/shell.h"
 #include "platform/desktop/sound.h"
@@ -71,13 +71,6 @@ std::function<void()> Waker(Uint32 wakeEvent) {
     event.type = wakeEvent;
     SDL_PushEvent(&event);
   };
-}
-
-std::tm LocalNow(std::chrono::system_clock::time_point now) {
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-  std::tm local{};
-  localtime_r(&seconds, &local);
-  return local;
 }
 
 }  // namespace
@@ -168,18 +161,9 @@ double DesktopPlatform::Monotonic() {
       .count();
 }
 
-double DesktopPlatform::Timer() {
-  const auto now = std::chrono::system_clock::now();
-  const std::tm local = LocalNow(now);
-  const auto sinceSecond = now - std::chrono::floor<std::chrono::seconds>(now);
-  const double fraction = std::chrono::duration<double>(sinceSecond).count();
-  return local.tm_hour * 3600.0 + local.tm_min * 60.0 + local.tm_sec + fraction;
-}
+double DesktopPlatform::Timer() { return SecondsSinceMidnight(); }
 
-Date DesktopPlatform::Today() {
-  const std::tm local = LocalNow(std::chrono::system_clock::now());
-  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday};
-}
+Date DesktopPlatform::Today() { return LocalToday(); }
 
 void DesktopPlatform::Randomize(double seed) { random_.Seed(seed); }
 
@@ -203,9 +187,7 @@ void DesktopPlatform::StartSpeech(SpeechBackend backend) {
   }
   speech_ = std::make_shared<SpeechEngine>(mixer_, trace_);
   if (backend == SpeechBackend::Dispatcher) {
-    speech_->Queue(
-        {" Your speech dispatcher could not be reached, so the game speaks with its own "
-         "voice. "});
+    speech_->Queue({espeak::kOwnVoicesMissing});
   }
 }
 

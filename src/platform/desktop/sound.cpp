@@ -4,16 +4,12 @@
 #include <cmath>
 #include <vector>
 
+#include "platform/common/attenuation.h"
+
 namespace quorble::desktop {
 namespace {
 
 constexpr int kSilentRate = 22050;
-constexpr int kQuietest = -10000;
-
-float Attenuation(int hundredthsOfDecibel) {
-  if (hundredthsOfDecibel <= kQuietest) return 0.0f;
-  return static_cast<float>(std::pow(10.0, hundredthsOfDecibel / 2000.0));
-}
 
 // The file's bytes in its own format, or none in a plain format when the
 // file is missing or unreadable.
@@ -86,10 +82,8 @@ void DesktopSoundBuffer::Stop() {
 }
 
 void DesktopSoundBuffer::ApplyGains() {
-  const float level = Attenuation(volume_);
-  const float left = level * Attenuation(std::min(0, -pan_));
-  const float right = level * Attenuation(std::min(0, pan_));
-  mixer_->Change([&] { voice_->SetGains(left, right); });
+  const StereoGains gains = GainsFor(volume_, pan_);
+  mixer_->Change([&] { voice_->SetGains(gains.left, gains.right); });
 }
 
 }  // namespace quorble::desktop

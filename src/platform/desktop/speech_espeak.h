@@ -15,35 +15,18 @@
 #include <utility>
 #include <vector>
 
+#include "platform/common/espeak_voices.h"
 #include "platform/desktop/mixer.h"
 #include "platform/platform.h"
 
 namespace quorble::desktop {
 
-// Words per minute for a rate: each step up is 11.6 % faster, each step
-// down as much slower, so that +10 is three times normal and -10 a third.
-// Held within the slowest the engine says and a fastest that is still
-// speech (espeak-ng speeds up through its sonic method above 450).
-int WordsPerMinute(int rate);
+using espeak::EngineText;
+using espeak::OutputGain;
+using espeak::VoiceChoice;
+using espeak::VoiceChoices;
+using espeak::WordsPerMinute;
 
-// The text as the engine is handed it, as SSML: markup characters escaped,
-// and a die's letter at the head of the text (" A. equals ") marked to be
-// spoken as the letter's name, which the engine would otherwise read as
-// the article.
-std::string EngineText(const std::string& text);
-
-// An espeak-ng voice (with its variant), the base pitch it speaks at, 0 to
-// 100 on the engine's scale, and the gain that makes it as loud as the rest.
-struct VoiceChoice {
-  const char* name;
-  int pitch;
-  double gainDb;
-};
-// The voices offered, in the order of the game's voice numbers.
-std::span<const VoiceChoice> VoiceChoices();
-
-// The factor a voice's PCM is heard at, at a volume from 0 to 100.
-float OutputGain(const VoiceChoice& voice, int volume);
 // `pcm` times `gain` into `out`, held within 16 bits rather than wrapping.
 void Scale(std::span<const short> pcm, float gain, std::vector<int16_t>& out);
 
